@@ -1,0 +1,15 @@
+#include "Language.h"
+
+#include <QLocale>
+
+const QString &Language::systemLanguageName()
+{
+    static const QString name = QLocale::languageToString(QLocale::system().language());
+    return name;
+}
+
+bool Language::isRussian()
+{
+    static const bool russian = systemLanguageName() == QLatin1String("Russian");
+    return russian;
+}

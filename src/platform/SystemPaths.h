@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+// The one place where the fixed paths of the system this viewer reads are resolved.
+// Every path is prefixed with $NIMB_EVENT_VIEWER_SYSROOT when that is set, so that
+// tests and the demo can run against a tree of their own.
+class SystemPaths
+{
+public:
+    static QString sysroot();
+    static QString resolve(const QString &absolutePath);
+
+    static QString eventSettingsDir();
+    static QString sourcesDir();
+    static QString customParametersDir();
+    static QString notificationRuleDir();
+    static QString logrotateFile();
+    static QString defaultJournal();
+    static QString journalDir();
+
+    // The default journal as stored in settings: without the sysroot prefix.
+    static QString defaultJournalSetting();
+};
