@@ -23,8 +23,9 @@ function(nimb_add_test name)
         "XDG_DATA_HOME=${CMAKE_BINARY_DIR}/test-home/${name}/data"
         "XDG_CACHE_HOME=${CMAKE_BINARY_DIR}/test-home/${name}/cache"
         "HOME=${CMAKE_BINARY_DIR}/test-home/${name}"
-        "TSAN_OPTIONS=halt_on_error=1 second_deadlock_stack=1"
+        "TSAN_OPTIONS=halt_on_error=1 second_deadlock_stack=1 suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp"
         "ASAN_OPTIONS=detect_leaks=1:abort_on_error=1"
+        "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0"
         "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1")
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES LABELS "${labels}" ENVIRONMENT "${env}" TIMEOUT 600)

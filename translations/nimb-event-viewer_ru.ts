@@ -1,0 +1,82 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="ru_RU">
+<context>
+    <name>Dictionary</name>
+    <message>
+        <source>emergency</source>
+        <translation>авария</translation>
+    </message>
+    <message>
+        <source>alert</source>
+        <translation>тревога</translation>
+    </message>
+    <message>
+        <source>critical</source>
+        <translation>критическая ошибка</translation>
+    </message>
+    <message>
+        <source>error</source>
+        <translation>ошибка</translation>
+    </message>
+    <message>
+        <source>warning</source>
+        <translation>предупреждение</translation>
+    </message>
+    <message>
+        <source>notice</source>
+        <translation>уведомление</translation>
+    </message>
+    <message>
+        <source>info</source>
+        <translation>информация</translation>
+    </message>
+    <message>
+        <source>informational</source>
+        <translation>информационное</translation>
+    </message>
+    <message>
+        <source>debug</source>
+        <translation>отладка</translation>
+    </message>
+</context>
+<context>
+    <name>QObject</name>
+    <message>
+        <source>emergency</source>
+        <translation>авария</translation>
+    </message>
+    <message>
+        <source>alert</source>
+        <translation>тревога</translation>
+    </message>
+    <message>
+        <source>critical</source>
+        <translation>критическая ошибка</translation>
+    </message>
+    <message>
+        <source>error</source>
+        <translation>ошибка</translation>
+    </message>
+    <message>
+        <source>warning</source>
+        <translation>предупреждение</translation>
+    </message>
+    <message>
+        <source>notice</source>
+        <translation>уведомление</translation>
+    </message>
+    <message>
+        <source>info</source>
+        <translation>информация</translation>
+    </message>
+    <message>
+        <source>informational</source>
+        <translation>информационное</translation>
+    </message>
+    <message>
+        <source>debug</source>
+        <translation>отладка</translation>
+    </message>
+</context>
+</TS>
