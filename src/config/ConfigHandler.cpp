@@ -1,0 +1,431 @@
+#include "ConfigHandler.h"
+
+#include "AuxParRegistry.h"
+#include "Dictionary.h"
+#include "SystemPaths.h"
+
+#include <QSettings>
+
+#include <algorithm>
+
+namespace
+{
+const QString kWindowGroup = QStringLiteral("MainWindow");
+const QString kColumnsGroup = QStringLiteral("Visible Columns");
+const QString kApplicationGroup = QStringLiteral("Application settings");
+const QString kRecentGroup = QStringLiteral("Recently opened files");
+const QString kFavoritesGroup = QStringLiteral("Favorite events");
+const QString kFiltersGroup = QStringLiteral("Filters");
+const QString kEventTypesGroup = QStringLiteral("FilterEventTypes");
+
+const QString kRecentCount = QStringLiteral("Recent files number");
+const QString kRecentEntry = QStringLiteral("Recent file ");
+const QString kFavoritesCount = QStringLiteral("Favorite events number");
+const QString kFavoritesEntry = QStringLiteral("Favorite event ");
+const QString kFiltersCount = QStringLiteral("Number of filters");
+const QString kFilterName = QStringLiteral("Name ");
+
+// Settings files of earlier versions name list entries by a single character whose
+// code is the index (U+0000 for the first), not by decimal digits; files in the
+// field must keep reading, so the scheme stays. QSettings stores such a key
+// percent-encoded ("Recent%20file%20%00") and decodes it back to the same string.
+// One UTF-16 unit can only address this many entries.
+constexpr int kMaxListEntries = 0x10000;
+
+QString listKey(const QString &prefix, int index)
+{
+    return prefix + QChar(static_cast<ushort>(index));
+}
+
+// The entries of a list group, in index order. A hand-edited count can be anything;
+// it is trusted only up to the number of keys the group actually holds, so a count
+// of 2^31-1 costs no more than the file itself. Within that bound an absent entry
+// reads as empty, as it always has.
+QStringList readList(QSettings &settings, const QString &countKey, const QString &entryPrefix)
+{
+    const int count = settings.value(countKey).toInt();
+    const int present = settings.childKeys().size();
+    const int bound = std::min({count, present, kMaxListEntries});
+    QStringList entries;
+    for (int i = 0; i < bound; ++i)
+        entries.append(settings.value(listKey(entryPrefix, i)).toString());
+    return entries;
+}
+
+template<typename Container>
+void writeList(QSettings &settings, const QString &countKey, const QString &entryPrefix,
+               const Container &entries)
+{
+    const int count = static_cast<int>(std::min<qsizetype>(qsizetype(entries.size()), kMaxListEntries));
+    settings.setValue(countKey, count);
+    int index = 0;
+    for (const QString &entry : entries) {
+        if (index == count)
+            break;
+        settings.setValue(listKey(entryPrefix, index++), entry);
+    }
+}
+
+bool flagSet(const QVariant &value)
+{
+    return value.toInt() == 1;
+}
+
+// A boolean condition must read back as a bool to equal what events carry; the
+// file holds "true"/"false", and anything else is no usable condition.
+QVariant boolValue(const QVariant &stored)
+{
+    if (stored.userType() == QMetaType::Bool)
+        return stored;
+    const QString text = stored.toString().trimmed().toLower();
+    if (text == QLatin1String("true") || text == QLatin1String("1"))
+        return QVariant(true);
+    if (text == QLatin1String("false") || text == QLatin1String("0"))
+        return QVariant(false);
+    return QVariant();
+}
+
+// The ini file turns every value into text. A condition compares with QVariant
+// equality against the parameter's value, so it is given back the type of its
+// kind's family: numbers for numeric kinds (equal to the journal's JSON numbers),
+// bools for boolean kinds, text for the rest. Null means unusable.
+QVariant conditionValue(int type, const QVariant &stored)
+{
+    if (!stored.isValid())
+        return QVariant();
+    bool ok = false;
+    switch (kAuxParKinds[type].family) {
+    case AuxParFamily::Integer:
+    case AuxParFamily::Signal: {
+        const int number = stored.toInt(&ok);
+        return ok ? QVariant(number) : QVariant();
+    }
+    case AuxParFamily::LongLong: {
+        const qlonglong number = stored.toLongLong(&ok);
+        return ok ? QVariant(number) : QVariant();
+    }
+    case AuxParFamily::Bool:
+        return boolValue(stored);
+    case AuxParFamily::Time: {
+        const QDateTime time = stored.toDateTime();
+        return time.isValid() ? QVariant(time) : QVariant();
+    }
+    case AuxParFamily::Mac:
+    case AuxParFamily::Source:
+    case AuxParFamily::String:
+        break;
+    }
+    return QVariant(stored.toString());
+}
+
+// Filter keys carry the filter's index as decimal digits after the key text.
+struct FilterKeys {
+    explicit FilterKeys(int index) : suffix(QString::number(index)) {}
+    QString operator()(const QString &text) const { return text + suffix; }
+    QString check(const QString &parameter) const
+    {
+        return QStringLiteral("check_") + parameter + QLatin1Char(' ') + suffix;
+    }
+    QString value(const QString &parameter) const { return parameter + QLatin1Char(' ') + suffix; }
+    const QString suffix;
+};
+
+struct FlagKey {
+    const char *key;
+    bool FilterPack::*flag;
+};
+
+// In the order the flags are written.
+const FlagKey kFlagKeys[] = {
+    {"Check from ", &FilterPack::checkFrom},
+    {"Check to ", &FilterPack::checkTo},
+    {"Check ID ", &FilterPack::checkId},
+    {"Check event types ", &FilterPack::checkEventTypes},
+    {"Check type excludes ", &FilterPack::checkTypeExcludes},
+    {"Check name contains ", &FilterPack::checkNameContains},
+    {"Check name excludes ", &FilterPack::checkNameExcludes},
+    {"Check priorities ", &FilterPack::checkPriorities},
+    {"Check search ", &FilterPack::checkSearch},
+    {"Check case sensitive ", &FilterPack::caseSensitive},
+    {"Check whole word ", &FilterPack::wholeWord},
+};
+
+struct TextKey {
+    const char *key;
+    QString FilterPack::*text;
+};
+
+const TextKey kTextKeysBeforeDates[] = {{"Name ", &FilterPack::name}};
+const TextKey kTextKeysAfterDates[] = {
+    {"ID ", &FilterPack::id},
+    {"Type excludes ", &FilterPack::typeExcludes},
+    {"Name contains ", &FilterPack::nameContains},
+    {"Name excludes ", &FilterPack::nameExcludes},
+    {"Search ", &FilterPack::search},
+};
+
+void writeFilter(QSettings &settings, const FilterPack &pack, int index)
+{
+    const FilterKeys keys(index);
+    for (const TextKey &text : kTextKeysBeforeDates)
+        settings.setValue(keys(QLatin1String(text.key)), pack.*text.text);
+    settings.setValue(keys(QStringLiteral("From ")), pack.from);
+    settings.setValue(keys(QStringLiteral("To ")), pack.to);
+    for (const TextKey &text : kTextKeysAfterDates)
+        settings.setValue(keys(QLatin1String(text.key)), pack.*text.text);
+
+    const Dictionary &dictionary = Dictionary::instance();
+    settings.beginGroup(kEventTypesGroup);
+    const QMap<QString, QString> &types = dictionary.eventTypes();
+    for (auto it = types.cbegin(); it != types.cend(); ++it)
+        settings.setValue(keys(it.key()), pack.eventTypes.contains(it.value()) ? 1 : 0);
+    settings.endGroup();
+    const QMap<Event::Priority, QString> &priorities = dictionary.priorities();
+    for (auto it = priorities.cbegin(); it != priorities.cend(); ++it)
+        settings.setValue(keys(it.value()), pack.priorities.contains(int(it.key())) ? 1 : 0);
+
+    for (const FlagKey &flag : kFlagKeys)
+        settings.setValue(keys(QLatin1String(flag.key)), pack.*flag.flag);
+
+    const AuxParRegistry &registry = AuxParRegistry::instance();
+    for (int type = 0; type < registry.count(); ++type) {
+        if (AuxParRegistry::isExcludedFromMatching(type))
+            continue;
+        const QString name = registry.prototype(type)->key();
+        const auto condition = pack.auxConditions.constFind(type);
+        const bool checked = condition != pack.auxConditions.cend();
+        settings.setValue(keys.check(name), checked);
+        if (checked)
+            settings.setValue(keys.value(name), condition.value());
+    }
+    for (const CustomParameter &custom : registry.customParameters()) {
+        const auto condition = pack.customConditions.constFind(custom.name);
+        const bool checked = condition != pack.customConditions.cend();
+        settings.setValue(keys.check(custom.name), checked);
+        if (checked)
+            settings.setValue(keys.value(custom.name), condition.value());
+    }
+}
+
+FilterPack readFilter(QSettings &settings, int index)
+{
+    const FilterKeys keys(index);
+    FilterPack pack;
+    for (const TextKey &text : kTextKeysBeforeDates)
+        pack.*text.text = settings.value(keys(QLatin1String(text.key))).toString();
+    pack.from = settings.value(keys(QStringLiteral("From "))).toDateTime();
+    pack.to = settings.value(keys(QStringLiteral("To "))).toDateTime();
+    for (const TextKey &text : kTextKeysAfterDates)
+        pack.*text.text = settings.value(keys(QLatin1String(text.key))).toString();
+
+    const Dictionary &dictionary = Dictionary::instance();
+    settings.beginGroup(kEventTypesGroup);
+    const QMap<QString, QString> &types = dictionary.eventTypes();
+    for (auto it = types.cbegin(); it != types.cend(); ++it) {
+        // Two groups may share a display text; the pack holds it once, as it was saved.
+        if (flagSet(settings.value(keys(it.key()))) && !pack.eventTypes.contains(it.value()))
+            pack.eventTypes.append(it.value());
+    }
+    settings.endGroup();
+    const QMap<Event::Priority, QString> &priorities = dictionary.priorities();
+    for (auto it = priorities.cbegin(); it != priorities.cend(); ++it) {
+        if (flagSet(settings.value(keys(it.value()))))
+            pack.priorities.append(int(it.key()));
+    }
+
+    for (const FlagKey &flag : kFlagKeys)
+        pack.*flag.flag = settings.value(keys(QLatin1String(flag.key)), false).toBool();
+
+    const AuxParRegistry &registry = AuxParRegistry::instance();
+    for (int type = 0; type < registry.count(); ++type) {
+        if (AuxParRegistry::isExcludedFromMatching(type))
+            continue;
+        const QString name = registry.prototype(type)->key();
+        if (!settings.value(keys.check(name), false).toBool())
+            continue;
+        const QVariant value = conditionValue(type, settings.value(keys.value(name)));
+        if (value.isValid())
+            pack.auxConditions.insert(type, value);
+    }
+    // Custom parameters are compared as the text the journal gives them.
+    for (const CustomParameter &custom : registry.customParameters()) {
+        if (!settings.value(keys.check(custom.name), false).toBool())
+            continue;
+        const QVariant value = settings.value(keys.value(custom.name));
+        if (value.isValid())
+            pack.customConditions.insert(custom.name, QVariant(value.toString()));
+    }
+    return pack;
+}
+}
+
+ConfigHandler::ConfigHandler(QObject *parent) : ConfigHandler(ConfigStore::instance(), parent)
+{
+}
+
+ConfigHandler::ConfigHandler(ConfigStore &store, QObject *parent) : QObject(parent), m_store(store)
+{
+}
+
+void ConfigHandler::readConfig()
+{
+    QSettings settings(QSettings::NativeFormat, QSettings::UserScope, organizationName(), applicationName());
+    readWindow(settings);
+    readVisibleColumns(settings);
+    readApplicationSettings(settings);
+    readRecentFiles(settings);
+    readFavorites(settings);
+    readFilters(settings);
+}
+
+void ConfigHandler::writeConfig()
+{
+    QSettings settings(QSettings::NativeFormat, QSettings::UserScope, organizationName(), applicationName());
+    writeWindow(settings);
+    writeVisibleColumns(settings);
+    writeApplicationSettings(settings);
+    writeRecentFiles(settings);
+    writeFavorites(settings);
+    writeFilters(settings);
+    settings.sync();
+    emit configWritten();
+}
+
+void ConfigHandler::readWindow(QSettings &settings)
+{
+    settings.beginGroup(kWindowGroup);
+    m_store.geometry() = settings.value(QStringLiteral("Geometry")).toByteArray();
+    m_store.state() = settings.value(QStringLiteral("State")).toByteArray();
+    m_store.maximized() = settings.value(QStringLiteral("Maximized"), false).toBool();
+    m_store.pos() = settings.value(QStringLiteral("Pos"), QPoint(0, 0)).toPoint();
+    m_store.size() = settings.value(QStringLiteral("Size"), QSize()).toSize();
+    settings.endGroup();
+}
+
+void ConfigHandler::writeWindow(QSettings &settings) const
+{
+    settings.beginGroup(kWindowGroup);
+    settings.setValue(QStringLiteral("Geometry"), m_store.geometry());
+    settings.setValue(QStringLiteral("State"), m_store.state());
+    settings.setValue(QStringLiteral("Maximized"), m_store.maximized());
+    // A maximised window's geometry says nothing about where it should return to,
+    // so the last normal position and size are kept.
+    if (!m_store.maximized()) {
+        settings.setValue(QStringLiteral("Pos"), m_store.pos());
+        settings.setValue(QStringLiteral("Size"), m_store.size());
+    }
+    settings.endGroup();
+}
+
+void ConfigHandler::readVisibleColumns(QSettings &settings)
+{
+    const AuxParRegistry &registry = AuxParRegistry::instance();
+    settings.beginGroup(kColumnsGroup);
+    m_store.visibleColumns().clear();
+    for (int type = 0; type < registry.count(); ++type) {
+        if (flagSet(settings.value(registry.prototype(type)->key(), 0)))
+            m_store.visibleColumns().append(type);
+    }
+    m_store.visibleCustomColumns().clear();
+    for (const CustomParameter &custom : registry.customParameters()) {
+        if (flagSet(settings.value(custom.name, 0)))
+            m_store.visibleCustomColumns().append(custom.name);
+    }
+    settings.endGroup();
+}
+
+void ConfigHandler::writeVisibleColumns(QSettings &settings) const
+{
+    const AuxParRegistry &registry = AuxParRegistry::instance();
+    settings.beginGroup(kColumnsGroup);
+    for (int type = 0; type < registry.count(); ++type)
+        settings.setValue(registry.prototype(type)->key(), m_store.visibleColumns().contains(type) ? 1 : 0);
+    for (const CustomParameter &custom : registry.customParameters())
+        settings.setValue(custom.name, m_store.visibleCustomColumns().contains(custom.name) ? 1 : 0);
+    settings.endGroup();
+}
+
+void ConfigHandler::readApplicationSettings(QSettings &settings)
+{
+    settings.beginGroup(kApplicationGroup);
+    const QString path = settings.value(QStringLiteral("Main log path")).toString();
+    m_store.mainLogPath() = path.isEmpty() ? SystemPaths::defaultJournal() : path;
+    // Only sizes the settings dialog could have written are trusted: zero would stall
+    // the pager and a huge one would try to load a whole journal into one page.
+    bool ok = false;
+    const int perPage = settings.value(QStringLiteral("Messages per page")).toInt(&ok);
+    const bool usable = ok && perPage >= ConfigStore::kMinMessagesPerPage
+                        && perPage <= ConfigStore::kMaxMessagesPerPage;
+    m_store.messagesPerPage() = usable ? perPage : ConfigStore::kDefaultMessagesPerPage;
+    settings.endGroup();
+}
+
+void ConfigHandler::writeApplicationSettings(QSettings &settings) const
+{
+    settings.beginGroup(kApplicationGroup);
+    settings.setValue(QStringLiteral("Main log path"), m_store.mainLogPath());
+    settings.setValue(QStringLiteral("Messages per page"), m_store.messagesPerPage());
+    settings.endGroup();
+}
+
+void ConfigHandler::readRecentFiles(QSettings &settings)
+{
+    settings.beginGroup(kRecentGroup);
+    const QStringList paths = readList(settings, kRecentCount, kRecentEntry);
+    settings.endGroup();
+    // Through the add rule, so that a hand-made list is held to at most five.
+    m_store.clearRecentFiles();
+    for (const QString &path : paths) {
+        if (!path.isEmpty())
+            m_store.addRecentFile(path);
+    }
+}
+
+void ConfigHandler::writeRecentFiles(QSettings &settings) const
+{
+    settings.beginGroup(kRecentGroup);
+    writeList(settings, kRecentCount, kRecentEntry, m_store.recentFiles());
+    settings.endGroup();
+}
+
+void ConfigHandler::readFavorites(QSettings &settings)
+{
+    settings.beginGroup(kFavoritesGroup);
+    const QStringList ids = readList(settings, kFavoritesCount, kFavoritesEntry);
+    settings.endGroup();
+    m_store.favoriteEvents().clear();
+    for (const QString &id : ids) {
+        if (!id.isEmpty())
+            m_store.favoriteEvents().insert(id);
+    }
+}
+
+void ConfigHandler::writeFavorites(QSettings &settings) const
+{
+    settings.beginGroup(kFavoritesGroup);
+    writeList(settings, kFavoritesCount, kFavoritesEntry, m_store.favoriteEvents());
+    settings.endGroup();
+}
+
+void ConfigHandler::readFilters(QSettings &settings)
+{
+    settings.beginGroup(kFiltersGroup);
+    // A saved filter always has its name key, so the first index without one ends
+    // the list however large the count claims to be.
+    const int count = settings.value(kFiltersCount).toInt();
+    QList<FilterPack> filters;
+    for (int i = 0; i < count && settings.contains(kFilterName + QString::number(i)); ++i)
+        filters.append(readFilter(settings, i));
+    settings.endGroup();
+    m_store.savedFilters() = filters;
+}
+
+void ConfigHandler::writeFilters(QSettings &settings) const
+{
+    settings.beginGroup(kFiltersGroup);
+    const QList<FilterPack> &filters = m_store.savedFilters();
+    settings.setValue(kFiltersCount, filters.size());
+    for (int i = 0; i < filters.size(); ++i)
+        writeFilter(settings, filters.at(i), i);
+    settings.endGroup();
+}
