@@ -1,0 +1,309 @@
+#include "EventsCli.h"
+
+#include "Dictionary.h"
+#include "FilterOptions.h"
+#include "FilteringLogParser.h"
+#include "CompressedLogFile.h"
+#include "LogParser.h"
+#include "SummaryParser.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <climits>
+#include <memory>
+
+namespace EventsCli
+{
+namespace
+{
+const QString kPage = QStringLiteral("page");
+const QString kPerPage = QStringLiteral("per-page");
+const QString kRaw = QStringLiteral("raw");
+const QString kWorkers = QStringLiteral("workers");
+
+// Rows are read from the parser in slices of this size, so that a huge --per-page
+// never holds more than a slice of events in memory.
+constexpr int kLoadSlice = 1000;
+
+// The journal as the parsers can read it: the file itself, or an unpacked private
+// copy of a compressed rotation that is removed with this object.
+class JournalSource
+{
+public:
+    explicit JournalSource(const QString &path) : m_path(path) {}
+
+    bool prepare(QString *failure)
+    {
+        const QFileInfo info(m_path);
+        QFile probe(m_path);
+        if (!info.exists() || info.isDir() || !probe.open(QIODevice::ReadOnly)) {
+            *failure = QStringLiteral("cannot open %1").arg(m_path);
+            return false;
+        }
+        probe.close();
+        const CompressedLogFile::Compression compression = CompressedLogFile::detect(m_path);
+        if (compression != CompressedLogFile::Compression::None && !CompressedLogFile::supports(compression)) {
+            *failure = QStringLiteral("cannot open %1: this build cannot unpack its compression").arg(m_path);
+            return false;
+        }
+        m_file = std::make_unique<CompressedLogFile>(m_path);
+        if (!m_file->unpacked()) {
+            *failure = QStringLiteral("cannot unpack %1: damaged or truncated").arg(m_path);
+            return false;
+        }
+        return true;
+    }
+
+    QString readablePath() const { return m_file->readablePath(); }
+    // A journal just rotated away is empty: that is zero events, not a broken file.
+    bool isEmpty() const { return QFileInfo(readablePath()).size() == 0; }
+
+private:
+    QString m_path;
+    std::unique_ptr<CompressedLogFile> m_file;
+};
+
+class Cli
+{
+public:
+    Cli(std::FILE *out, std::FILE *err) : m_out(out), m_err(err) {}
+
+    int run(const QStringList &arguments);
+
+private:
+    int usageError(const QString &message);
+    int fileError(const QString &message);
+    void write(const QByteArray &bytes) { std::fwrite(bytes.constData(), 1, size_t(bytes.size()), m_out); }
+
+    bool readPositive(const QString &option, qint64 *value, int *exitCode);
+    int count(const QString &path);
+    int summary(const QString &path);
+    int page(const QString &path, qint64 page, qint64 perPage);
+
+    std::unique_ptr<AbstractLogParser> makeParser(const QString &path) const;
+
+    std::FILE *m_out;
+    std::FILE *m_err;
+    QCommandLineParser m_parser;
+    FilterPack m_filter;
+    bool m_filtered = false;
+    unsigned m_workers = 0;
+    QString m_displayPath;
+};
+
+int Cli::usageError(const QString &message)
+{
+    std::fprintf(m_err, "nimb-events: %s\nTry 'nimb-events --help' for more information.\n",
+                 qUtf8Printable(message));
+    return UsageError;
+}
+
+int Cli::fileError(const QString &message)
+{
+    std::fprintf(m_err, "nimb-events: %s\n", qUtf8Printable(message));
+    return FileError;
+}
+
+bool Cli::readPositive(const QString &option, qint64 *value, int *exitCode)
+{
+    bool ok = false;
+    *value = m_parser.value(option).toLongLong(&ok);
+    if (ok && *value >= 1 && *value <= INT_MAX)
+        return true;
+    *exitCode = usageError(QStringLiteral("--%1 needs a whole number from 1 to %2, not '%3'")
+                               .arg(option)
+                               .arg(INT_MAX)
+                               .arg(m_parser.value(option)));
+    return false;
+}
+
+std::unique_ptr<AbstractLogParser> Cli::makeParser(const QString &path) const
+{
+    if (!m_filtered)
+        return std::make_unique<LogParser>(path);
+    auto parser = std::make_unique<FilteringLogParser>(path);
+    parser->setFilter(m_filter);
+    parser->setWorkerCount(m_workers);
+    return parser;
+}
+
+int Cli::run(const QStringList &arguments)
+{
+    m_parser.setApplicationDescription(QStringLiteral(
+        "Reads a security-events journal (plain or a compressed rotation) for scripts.\n"
+        "\n"
+        "Commands:\n"
+        "  count FILE [filter options]     number of events, all or those passing the filter\n"
+        "  summary FILE                    events by priority and source in the last hour, day and week (JSON)\n"
+        "  page FILE --page P --per-page N [filter options] [--raw]\n"
+        "                                  one JSON object per event of page P (1-based), or the raw lines\n"
+        "\n"
+        "Exit status: 0 success, 1 file errors, 2 usage errors."));
+    m_parser.addHelpOption();
+    m_parser.addVersionOption();
+    m_parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("count, summary or page"));
+    m_parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("The journal file."));
+    m_parser.addOptions({
+        {kPage, QStringLiteral("Page number, from 1 (page)."), QStringLiteral("P")},
+        {kPerPage, QStringLiteral("Events per page (page)."), QStringLiteral("N")},
+        {kRaw, QStringLiteral("Print the journal lines as they stand (page).")},
+        {kWorkers, QStringLiteral("Threads for filtered counts and the summary; default one per processor."),
+         QStringLiteral("N")},
+    });
+    FilterOptions::addTo(m_parser);
+
+    if (!m_parser.parse(arguments))
+        return usageError(m_parser.errorText());
+    if (m_parser.isSet(QStringLiteral("help"))) {
+        write(m_parser.helpText().toUtf8());
+        return Success;
+    }
+    if (m_parser.isSet(QStringLiteral("version"))) {
+        write(QStringLiteral("nimb-events %1\n").arg(QCoreApplication::applicationVersion()).toUtf8());
+        return Success;
+    }
+
+    const QStringList positional = m_parser.positionalArguments();
+    if (positional.isEmpty())
+        return usageError(QStringLiteral("no command given (count, summary or page)"));
+    const QString command = positional.first();
+    if (command != QLatin1String("count") && command != QLatin1String("summary") && command != QLatin1String("page"))
+        return usageError(QStringLiteral("unknown command '%1' (expected count, summary or page)").arg(command));
+    if (positional.size() < 2)
+        return usageError(QStringLiteral("%1: no journal file given").arg(command));
+    if (positional.size() > 2)
+        return usageError(QStringLiteral("%1: unexpected argument '%2'").arg(command, positional.at(2)));
+
+    const bool isPage = command == QLatin1String("page");
+    for (const QString &pageOption : {kPage, kPerPage, kRaw}) {
+        if (!isPage && m_parser.isSet(pageOption))
+            return usageError(QStringLiteral("--%1 applies to the page command only").arg(pageOption));
+    }
+    m_filtered = FilterOptions::anyGiven(m_parser);
+    if (command == QLatin1String("summary") && m_filtered)
+        return usageError(QStringLiteral("summary takes no filter options"));
+
+    if (m_parser.isSet(kWorkers)) {
+        bool ok = false;
+        const int workers = m_parser.value(kWorkers).toInt(&ok);
+        if (!ok || workers < 1 || workers > 1024)
+            return usageError(QStringLiteral("--workers needs a number of threads from 1 to 1024, not '%1'")
+                                  .arg(m_parser.value(kWorkers)));
+        m_workers = unsigned(workers);
+    }
+    qint64 pageNumber = 0;
+    qint64 perPage = 0;
+    if (isPage) {
+        if (!m_parser.isSet(kPage) || !m_parser.isSet(kPerPage))
+            return usageError(QStringLiteral("page needs --page and --per-page"));
+        int exitCode = Success;
+        if (!readPositive(kPage, &pageNumber, &exitCode) || !readPositive(kPerPage, &perPage, &exitCode))
+            return exitCode;
+    }
+    if (m_filtered) {
+        QString error;
+        if (!FilterOptions::build(m_parser, &m_filter, &error))
+            return usageError(error);
+    }
+
+    m_displayPath = positional.at(1);
+    QString failure;
+    JournalSource source(m_displayPath);
+    if (!source.prepare(&failure))
+        return fileError(failure);
+    if (!source.isEmpty() && !LogParser(source.readablePath()).isJournal())
+        return fileError(QStringLiteral("%1 is not an events journal").arg(m_displayPath));
+
+    if (command == QLatin1String("count"))
+        return count(source.readablePath());
+    if (command == QLatin1String("summary"))
+        return summary(source.readablePath());
+    return page(source.readablePath(), pageNumber, perPage);
+}
+
+int Cli::count(const QString &path)
+{
+    const int events = makeParser(path)->count();
+    if (events < 0)
+        return fileError(QStringLiteral("cannot open %1").arg(m_displayPath));
+    write(QByteArray::number(events) + '\n');
+    return Success;
+}
+
+int Cli::summary(const QString &path)
+{
+    SummaryParser parser(path);
+    parser.setWorkerCount(m_workers);
+    const MapForCounts counts = parser.countForSummary();
+    const Dictionary &dictionary = Dictionary::instance();
+    QJsonObject root;
+    for (auto priority = counts.cbegin(); priority != counts.cend(); ++priority) {
+        QJsonObject sources;
+        for (auto source = priority.value().cbegin(); source != priority.value().cend(); ++source) {
+            const WindowCounts &windows = source.value();
+            sources.insert(source.key(), QJsonObject{{QStringLiteral("hour"), qint64(windows.hour)},
+                                                     {QStringLiteral("day"), qint64(windows.day)},
+                                                     {QStringLiteral("week"), qint64(windows.week)}});
+        }
+        root.insert(dictionary.priorityText(priority.key()), sources);
+    }
+    write(QJsonDocument(root).toJson(QJsonDocument::Indented));
+    return Success;
+}
+
+int Cli::page(const QString &path, qint64 pageNumber, qint64 perPage)
+{
+    const std::unique_ptr<AbstractLogParser> parser = makeParser(path);
+    const int total = parser->count();
+    if (total < 0)
+        return fileError(QStringLiteral("cannot open %1").arg(m_displayPath));
+    const qint64 first = (pageNumber - 1) * perPage;
+    if (first >= total)
+        return Success;
+    const int last = int(std::min<qint64>(first + perPage, total));
+
+    const bool raw = m_parser.isSet(kRaw);
+    for (int row = int(first); row < last; row += kLoadSlice) {
+        const int rows = std::min(kLoadSlice, last - row);
+        if (raw) {
+            for (int k = 0; k < rows; ++k) {
+                const std::string line = parser->loadSingleString(row + k);
+                std::fwrite(line.data(), 1, line.size(), m_out);
+                if (line.empty() || line.back() != '\n')
+                    std::fputc('\n', m_out);
+            }
+            continue;
+        }
+        auto [opened, events] = parser->load(row, rows);
+        if (!opened)
+            return fileError(QStringLiteral("cannot open %1").arg(m_displayPath));
+        for (Event *event : events) {
+            QJsonArray parameters;
+            const QVector<Event::Row> list = event->parameterList();
+            for (const Event::Row &entry : list)
+                parameters.append(QJsonArray{entry.first, entry.second});
+            const QJsonObject object{{QStringLiteral("number"), qint64(event->number)},
+                                     {QStringLiteral("parameters"), parameters}};
+            write(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+            delete event;
+        }
+    }
+    return Success;
+}
+}
+
+int run(const QStringList &arguments, std::FILE *out, std::FILE *err)
+{
+    Cli cli(out, err);
+    const int status = cli.run(arguments);
+    std::fflush(out);
+    return status;
+}
+}
