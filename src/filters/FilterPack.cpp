@@ -5,6 +5,9 @@
 #include <QCoreApplication>
 #include <QRegExp>
 
+#include <memory>
+#include <mutex>
+
 namespace
 {
 template<typename T>
@@ -34,17 +37,41 @@ QString keywordPattern(const QString &search, bool wholeWord)
         + QLatin1Char('$');
 }
 
+// Qt compiles every QRegExp through one process-wide engine cache, whose keys share
+// their text with the expressions, and guards it with a lock that ThreadSanitizer
+// cannot see. Building and dropping expressions under a lock of our own keeps that
+// traffic ordered for it; the matching itself never touches the cache.
+std::mutex &expressionLock()
+{
+    static std::mutex lock;
+    return lock;
+}
+
+struct ThreadKeyword {
+    QString pattern; // a copy of our own: the expression's copy is shared with the cache
+    Qt::CaseSensitivity sensitivity = Qt::CaseSensitive;
+    std::unique_ptr<QRegExp> expression;
+
+    ~ThreadKeyword()
+    {
+        const std::lock_guard<std::mutex> locked(expressionLock());
+        expression.reset();
+    }
+};
+
 // The compiled keyword, kept per thread: a QRegExp carries match state and must not be
 // shared, but compiling it again for every event of a large journal is wasted work.
 const QRegExp &keywordExpression(const QString &pattern, Qt::CaseSensitivity sensitivity)
 {
-    thread_local QRegExp expression;
-    thread_local bool prepared = false;
-    if (!prepared || expression.pattern() != pattern || expression.caseSensitivity() != sensitivity) {
-        expression = QRegExp(pattern, sensitivity, QRegExp::RegExp);
-        prepared = true;
+    thread_local ThreadKeyword keyword;
+    if (!keyword.expression || keyword.sensitivity != sensitivity || keyword.pattern != pattern) {
+        const std::lock_guard<std::mutex> locked(expressionLock());
+        keyword.expression = std::make_unique<QRegExp>(QString(pattern.constData(), pattern.size()), sensitivity,
+                                                       QRegExp::RegExp);
+        keyword.pattern = QString(pattern.constData(), pattern.size());
+        keyword.sensitivity = sensitivity;
     }
-    return expression;
+    return *keyword.expression;
 }
 }
 

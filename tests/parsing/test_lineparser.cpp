@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <ctime>
 #include <random>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -261,6 +262,42 @@ class TestLineParser : public QObject
     Q_OBJECT
 
 private slots:
+    // First on purpose: the threads also race to build the process-wide tables.
+    void parsesAlikeOnSeveralThreads()
+    {
+        QVector<QByteArray> lines;
+        Corpus corpus(77);
+        for (int i = 0; i < 1500; ++i)
+            lines.append(corpus.line());
+        auto describe = [](const QByteArray &line) {
+            const auto event = LineParser::parseLine(line);
+            if (!event)
+                return QStringLiteral("rejected");
+            QString text = event->copyLine() + event->time.toString(Qt::ISODate) + event->facility;
+            for (const Event::Row &row : event->parameterList())
+                text += row.first + row.second;
+            return text;
+        };
+
+        std::vector<QStringList> seen(4);
+        std::vector<std::thread> threads;
+        for (size_t t = 0; t < seen.size(); ++t) {
+            threads.emplace_back([&lines, &describe, &seen, t] {
+                for (const QByteArray &line : lines)
+                    seen[t].append(describe(line));
+            });
+        }
+        for (auto &thread : threads)
+            thread.join();
+
+        QStringList expected;
+        for (const QByteArray &line : qAsConst(lines))
+            expected.append(describe(line));
+        QVERIFY(expected.count(QStringLiteral("rejected")) < expected.size());
+        for (const QStringList &descriptions : seen)
+            QVERIFY(descriptions == expected);
+    }
+
     void rejectsBrokenLines_data()
     {
         QTest::addColumn<QByteArray>("line");
