@@ -3,6 +3,8 @@
 #include "AbstractLogParser.h"
 #include "FilterPack.h"
 
+class LineReader;
+
 // Lines whose events pass a filter; full scans are split over worker threads.
 class FilteringLogParser : public AbstractLogParser
 {
@@ -10,14 +12,27 @@ class FilteringLogParser : public AbstractLogParser
 public:
     using AbstractLogParser::AbstractLogParser;
 
+    // Takes effect with the next scan, which then reads the whole file again.
     void setFilter(const FilterPack &filter);
+    // Only for the thread that sets the filter.
     const FilterPack &filter() const { return m_filter; }
 
 protected:
     void scan(QIODevice &file) override;
 
 private:
-    void scanRange(qint64 start, qint64 end, bool reportsProgress);
+    struct RangeResult {
+        qint64 resume = -1; // start of the first line of the range not read in full
+        int lastPercent = 0;
+        bool opened = false;
+        bool stopped = false;
+    };
+
+    RangeResult scanRange(qint64 start, qint64 end, bool reportsProgress);
+    // Reads from the reader's position to the end of the data on the calling thread.
+    qint64 scanTail(LineReader &reader, qint64 size);
 
     FilterPack m_filter;
+    // The filter the running scan applies; worker threads only read it.
+    FilterPack m_scanFilter;
 };

@@ -1,0 +1,307 @@
+#include "AbstractLogParser.h"
+
+#include "LineParser.h"
+#include "LineReader.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <cstring>
+#include <set>
+#include <thread>
+
+#include <sys/stat.h>
+
+namespace
+{
+// The file test looks no further than this, so that opening some unrelated large
+// file by mistake does not read all of it on the calling (GUI) thread.
+constexpr qint64 kJournalTestBytes = 8 * 1024 * 1024;
+constexpr qint64 kBoundaryChunk = 4096;
+}
+
+AbstractLogParser::AbstractLogParser(const QString &filePath, QObject *parent)
+    : QObject(parent)
+    , m_filePath(filePath)
+{
+}
+
+AbstractLogParser::~AbstractLogParser() = default;
+
+unsigned AbstractLogParser::workerCount() const
+{
+    if (m_workerCount > 0)
+        return m_workerCount;
+    return std::max(1u, std::thread::hardware_concurrency());
+}
+
+bool AbstractLogParser::openJournal(QFile &file)
+{
+    file.setFileName(m_filePath);
+    // LineReader does its own buffering; a second buffer in QIODevice only copies.
+    return file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
+int AbstractLogParser::count()
+{
+    QFile file;
+    if (!openJournal(file))
+        return -1;
+    scan(file);
+    file.close();
+    const std::size_t counted = positionCount();
+    const int base = indexBase();
+    return std::max(0, static_cast<int>(counted) - base);
+}
+
+bool AbstractLogParser::isJournal() const
+{
+    QFile file(m_filePath);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray head = file.read(kJournalTestBytes);
+    const bool whole = file.atEnd();
+    qsizetype from = 0;
+    while (from < head.size()) {
+        qsizetype feed = head.indexOf('\n', from);
+        if (feed < 0) {
+            // A line cut by the read limit is no evidence either way.
+            if (!whole)
+                return false;
+            feed = head.size();
+        }
+        const QByteArray line = QByteArray::fromRawData(head.constData() + from, static_cast<int>(feed - from));
+        from = feed + 1;
+        if (line.trimmed().isEmpty())
+            continue;
+        // Lines that are not journal lines are skipped: a journal may begin with a
+        // line the logger left half-written before a crash.
+        const QJsonDocument document = QJsonDocument::fromJson(line);
+        if (document.isObject() && !document.object().isEmpty())
+            return true;
+    }
+    return false;
+}
+
+std::size_t AbstractLogParser::positionCount() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_positions.size();
+}
+
+void AbstractLogParser::hideCounted()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_indexBase.store(static_cast<int>(m_positions.size()), std::memory_order_relaxed);
+}
+
+void AbstractLogParser::showAll()
+{
+    m_indexBase.store(0, std::memory_order_relaxed);
+}
+
+bool AbstractLogParser::lineAt(LineReader &reader, qint64 position, QByteArray *line)
+{
+    return reader.seek(position) && reader.readLine(line);
+}
+
+std::unique_ptr<Event> AbstractLogParser::loadSingle(int index)
+{
+    QFile file;
+    if (!openJournal(file))
+        return nullptr;
+    scan(file);
+    const qint64 row = qint64(indexBase()) + index;
+    if (index < 0 || row >= qint64(m_positions.size()))
+        return nullptr;
+    LineReader reader(file, LineReader::kPageBlock);
+    QByteArray line;
+    if (!lineAt(reader, m_positions[static_cast<std::size_t>(row)], &line))
+        return nullptr;
+    std::unique_ptr<Event> event = LineParser::parseLine(line);
+    if (event)
+        event->number = static_cast<quint32>(index) + 1;
+    return event;
+}
+
+std::string AbstractLogParser::loadSingleString(int index)
+{
+    QFile file;
+    if (!openJournal(file))
+        return std::string();
+    scan(file);
+    const qint64 row = qint64(indexBase()) + index;
+    if (index < 0 || row >= qint64(m_positions.size()))
+        return std::string();
+    LineReader reader(file, LineReader::kPageBlock);
+    const char *data = nullptr;
+    qint64 size = 0;
+    if (!reader.seek(m_positions[static_cast<std::size_t>(row)]) || !reader.readLine(&data, &size))
+        return std::string();
+    return std::string(data, static_cast<std::size_t>(size));
+}
+
+std::pair<bool, std::vector<Event *>> AbstractLogParser::load(int first, int n)
+{
+    if (first < 0 || n < 0)
+        first = n = 0;
+    return loadRows(static_cast<std::size_t>(first), static_cast<std::size_t>(n), static_cast<quint32>(first) + 1,
+                    LineReader::kPageBlock);
+}
+
+std::pair<bool, std::vector<Event *>> AbstractLogParser::loadAll()
+{
+    // Every row, hidden ones included, read front to back: large blocks pay off.
+    return loadRows(0, std::size_t(-1), 1, LineReader::kScanBlock);
+}
+
+std::pair<bool, std::vector<Event *>> AbstractLogParser::loadRows(std::size_t first, std::size_t n,
+                                                                  quint32 firstNumber, qint64 blockSize)
+{
+    QFile file;
+    if (!openJournal(file))
+        return {false, {}};
+    scan(file);
+
+    // load() rows are shown rows, behind the hidden ones; loadAll() starts at the first line.
+    const std::size_t base = n == std::size_t(-1) ? 0 : static_cast<std::size_t>(indexBase());
+    const std::size_t total = m_positions.size();
+    const std::size_t begin = std::min(total, base + first);
+    // The caller promises the rows exist, but the file may have been replaced by a shorter one since.
+    const std::size_t end = n == std::size_t(-1) ? total : std::min(total, begin + n);
+
+    std::vector<Event *> events;
+    events.reserve(end - begin);
+    LineReader reader(file, blockSize);
+    QByteArray line;
+    for (std::size_t row = begin; row < end; ++row) {
+        if (!lineAt(reader, m_positions[row], &line))
+            break;
+        std::unique_ptr<Event> event = LineParser::parseLine(line);
+        if (!event)
+            continue;
+        event->number = firstNumber + static_cast<quint32>(row - begin);
+        events.push_back(event.release());
+    }
+    return {true, std::move(events)};
+}
+
+namespace
+{
+constexpr qint64 kGuardBytes = 32;
+
+QPair<quint64, quint64> identityOf(QIODevice &file)
+{
+    auto *fileDevice = qobject_cast<QFileDevice *>(&file);
+    struct stat status;
+    if (!fileDevice || fileDevice->handle() < 0 || ::fstat(fileDevice->handle(), &status) != 0)
+        return {0, 0};
+    return {quint64(status.st_dev), quint64(status.st_ino)};
+}
+
+QByteArray bytesBefore(QIODevice &file, qint64 position)
+{
+    const qint64 from = std::max<qint64>(0, position - kGuardBytes);
+    if (position <= 0 || !file.seek(from))
+        return QByteArray();
+    return file.read(position - from);
+}
+}
+
+bool AbstractLogParser::canContinue(QIODevice &file, qint64 currentSize) const
+{
+    if (!onlyGrown(currentSize) || identityOf(file) != m_fileIdentity)
+        return false;
+    return m_resumePosition == 0 || bytesBefore(file, m_resumePosition) == m_resumeGuard;
+}
+
+void AbstractLogParser::setResumePosition(QIODevice &file, qint64 position)
+{
+    m_resumePosition = position;
+    m_resumeGuard = position > 0 ? bytesBefore(file, position) : QByteArray();
+}
+
+void AbstractLogParser::beginFullScan(QIODevice &file, qint64 size)
+{
+    m_fileIdentity = identityOf(file);
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_scannedSize > size)
+        m_indexBase.store(0, std::memory_order_relaxed);
+    m_positions.clear();
+    m_scannedSize = size;
+    m_lastPercent = 0;
+    m_resumePosition = -1;
+    m_invalidated.store(false, std::memory_order_relaxed);
+}
+
+std::vector<qint64> AbstractLogParser::rangeStarts(QIODevice &file, qint64 size) const
+{
+    std::set<qint64> starts{0};
+    const unsigned n = workerCount();
+    const qint64 saved = file.pos();
+    char chunk[kBoundaryChunk];
+    for (unsigned i = 1; n > 1 && i < n; ++i) {
+        qint64 position = (size / n) * i;
+        if (!file.seek(position))
+            continue;
+        for (;;) {
+            const qint64 got = file.read(chunk, kBoundaryChunk);
+            if (got <= 0)
+                break;
+            const void *feed = std::memchr(chunk, '\n', static_cast<size_t>(got));
+            if (feed) {
+                position += static_cast<const char *>(feed) - chunk + 1;
+                break;
+            }
+            position += got;
+        }
+        // Bytes appended meanwhile belong to the tail, not to a range.
+        starts.insert(std::min(position, size));
+    }
+    file.seek(saved);
+    return std::vector<qint64>(starts.begin(), starts.end());
+}
+
+void AbstractLogParser::reportPercent(qint64 position, qint64 total, bool always)
+{
+    if (total <= 0)
+        return;
+    const int percent = std::min(100, static_cast<int>(double(position) / double(total) * 100.0));
+    if (percent > m_lastPercent || (always && percent == 0)) {
+        m_lastPercent = percent;
+        Q_EMIT percentRead(percent);
+    }
+}
+
+void AbstractLogParser::flushPositions(std::vector<qint64> &batch)
+{
+    if (batch.empty())
+        return;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_positions.insert(m_positions.end(), batch.begin(), batch.end());
+    }
+    batch.clear();
+}
+
+void AbstractLogParser::reservePositions(qint64 bytes, qint64 sampleBytes, std::size_t sampleLines)
+{
+    if (bytes <= 0 || sampleBytes <= 0 || sampleLines == 0)
+        return;
+    const double perByte = double(sampleLines) / double(sampleBytes);
+    const auto expected = static_cast<std::size_t>(double(bytes) * perByte * 1.05) + 1024;
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_positions.capacity() < m_positions.size() + expected)
+        m_positions.reserve(m_positions.size() + expected);
+}
+
+void AbstractLogParser::trimPositions()
+{
+    // The index is the one thing a view keeps per line; between scans it holds no
+    // spare room (a copy now is cheap next to the scan that just ran).
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_positions.capacity() != m_positions.size())
+        m_positions.shrink_to_fit();
+}

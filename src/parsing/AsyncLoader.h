@@ -1,0 +1,60 @@
+#pragma once
+
+#include "Event.h"
+#include "MapForCounts.h"
+
+#include <QMetaType>
+#include <QObject>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class AbstractLogParser;
+
+Q_DECLARE_METATYPE(std::vector<Event *>)
+Q_DECLARE_METATYPE(std::string)
+
+// Runs a log's parser on the thread it lives on: requests come in as queued slot
+// calls and results go out as signals. It owns nothing but the pointer to the parser.
+class AsyncLoader : public QObject
+{
+    Q_OBJECT
+public:
+    // The parser must outlive the loader and must not be used by another thread meanwhile.
+    explicit AsyncLoader(AbstractLogParser *parser, QObject *parent = nullptr);
+
+    AbstractLogParser *parser() const { return m_parser; }
+
+    // The types the signals and slots carry across threads. Safe to call repeatedly;
+    // the constructor calls it.
+    static void registerMetaTypes();
+
+    // asyncLoadSingle() and asyncLoadSingleString() from any thread, waiting for the
+    // result. The loader's thread must be running or not started at all; called on the
+    // loader's own thread they run directly.
+    std::unique_ptr<Event> loadSingleBlocking(int position);
+    std::string loadSingleStringBlocking(int position);
+
+Q_SIGNALS:
+    void countFinished(int count);
+    void loadFailed();
+    // The receiver owns the events.
+    void loadFinished(std::vector<Event *> events);
+    void percentRead(int percent);
+    void countsForSummaryFinished(MapForCounts counts);
+
+public Q_SLOTS:
+    void asyncCount();
+    // Only for a SummaryParser; any other parser yields an empty map.
+    void asyncCountForSummary();
+    void asyncLoad(int position, int count);
+    std::unique_ptr<Event> asyncLoadSingle(int position);
+    std::string asyncLoadSingleString(int position);
+
+private:
+    template<typename Result, typename Call>
+    Result callOnLoaderThread(Call call);
+
+    AbstractLogParser *m_parser;
+};

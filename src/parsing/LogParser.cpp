@@ -1,0 +1,66 @@
+#include "LogParser.h"
+
+#include "LineParser.h"
+#include "LineReader.h"
+
+#include <QIODevice>
+
+namespace
+{
+constexpr std::size_t kBatch = 4096;
+// Lines read before the index is sized from the average line length seen so far.
+constexpr qint64 kSampleLines = 8192;
+}
+
+void LogParser::scan(QIODevice &file)
+{
+    const qint64 size = file.size();
+    const bool tail = canContinue(file, size);
+    qint64 from = 0;
+    if (tail) {
+        if (m_resumePosition >= size)
+            return;
+        from = m_resumePosition;
+        reservePositions(size - from, from, m_positions.size());
+        m_scannedSize = size;
+    } else {
+        beginFullScan(file, size);
+    }
+
+    LineReader reader(file);
+    if (!reader.seek(from))
+        return;
+    std::vector<qint64> batch;
+    batch.reserve(kBatch);
+    QByteArray line;
+    qint64 linesRead = 0;
+    qint64 resume = -1;
+    for (;;) {
+        if (stopRequested())
+            break;
+        const qint64 position = reader.position();
+        if (!reader.readLine(&line))
+            break;
+        const bool accepted = LineParser::acceptsLine(line);
+        if (!accepted && !reader.lastLineTerminated()) {
+            // Probably still being written: read it again once it is complete.
+            resume = position;
+            break;
+        }
+        if (accepted) {
+            batch.push_back(position);
+            if (batch.size() == kBatch)
+                flushPositions(batch);
+        }
+        // A full scan repeats 0 on purpose, so that the bar shows life during the first percent.
+        reportPercent(position, size, !tail);
+        if (!tail && ++linesRead == kSampleLines) {
+            flushPositions(batch);
+            reservePositions(size - reader.position(), reader.position(), m_positions.size());
+        }
+    }
+    flushPositions(batch);
+    // Also after a stop: the next scan continues where this one ended.
+    setResumePosition(file, resume >= 0 ? resume : reader.position());
+    trimPositions();
+}

@@ -1,0 +1,258 @@
+#include "SummaryParser.h"
+
+#include "Dictionary.h"
+#include "LineReader.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <thread>
+
+namespace
+{
+constexpr qint64 kHourMs = 3600 * 1000LL;
+constexpr qint64 kDayMs = 24 * kHourMs;
+constexpr qint64 kWeekMs = 7 * kDayMs;
+constexpr int kGroupBits = 16;
+constexpr quint64 kGroupMask = (quint64(1) << kGroupBits) - 1;
+// Times beyond this (some thousands of years ahead) cannot be packed and will never be due.
+constexpr qint64 kLastPackableMs = (qint64(1) << (64 - kGroupBits)) - 1;
+constexpr std::size_t kMergeEvery = 16384;
+
+const QString kPriorityKey = QStringLiteral("PRIORITY");
+const QString kMsgKey = QStringLiteral("MSG");
+const QString kIsoDateKey = QStringLiteral("ISODATE");
+}
+
+// What one worker found, with group numbers of its own until it is merged.
+class SummaryParser::Collector
+{
+public:
+    enum Outcome { NotJson, Skipped, Kept };
+
+    explicit Collector(qint64 oldest)
+        : m_oldest(oldest)
+        , m_dictionary(Dictionary::instance())
+    {
+    }
+
+    // The light reading of a line: no Event, only priority, source and time.
+    Outcome take(const QByteArray &line)
+    {
+        const QJsonDocument document = QJsonDocument::fromJson(line);
+        if (document.isNull())
+            return NotJson;
+        const QJsonObject root = document.object();
+        const Event::Priority priority = Event::priorityFromWord(root.value(kPriorityKey).toString());
+        // Lines without a known priority word are never summarised.
+        if (!m_dictionary.hasPriority(priority))
+            return Skipped;
+        const QJsonObject msg = root.value(kMsgKey).toObject();
+        if (msg.size() != 1)
+            return Skipped;
+        QString source = msg.constBegin().key();
+        if (!m_dictionary.hasSource(source))
+            source = Dictionary::unrecognizedSource();
+        const QDateTime time = QDateTime::fromString(root.value(kIsoDateKey).toString(), Qt::ISODate);
+        if (!time.isValid())
+            return Skipped;
+        const qint64 ms = time.toMSecsSinceEpoch();
+        // Older than a week now means older than a week for every later tally too.
+        if (ms < m_oldest || ms > kLastPackableMs)
+            return Skipped;
+        const QPair<int, QString> key(priority, source);
+        auto it = m_groupIds.constFind(key);
+        if (it == m_groupIds.constEnd()) {
+            it = m_groupIds.insert(key, static_cast<quint16>(groups.size()));
+            groups.emplace_back(priority, source);
+        }
+        stamps.push_back((quint64(ms) << kGroupBits) | it.value());
+        return Kept;
+    }
+
+    std::vector<QPair<Event::Priority, QString>> groups;
+    std::vector<quint64> stamps;
+
+private:
+    qint64 m_oldest;
+    const Dictionary &m_dictionary;
+    QHash<QPair<int, QString>, quint16> m_groupIds;
+};
+
+void SummaryParser::merge(Collector &collector)
+{
+    if (collector.stamps.empty())
+        return;
+    std::lock_guard<std::mutex> lock(m_mutex);
+    std::vector<quint16> global(collector.groups.size());
+    for (std::size_t i = 0; i < collector.groups.size(); ++i) {
+        const auto &group = collector.groups[i];
+        const QPair<int, QString> key(group.first, group.second);
+        auto it = m_groupIds.constFind(key);
+        if (it == m_groupIds.constEnd()) {
+            // Priorities 1-8 times the known sources plus one: far below the 16-bit limit.
+            it = m_groupIds.insert(key, static_cast<quint16>(m_groups.size()));
+            m_groups.push_back(group);
+        }
+        global[i] = it.value();
+    }
+    m_stamps.reserve(m_stamps.size() + collector.stamps.size());
+    for (const quint64 stamp : collector.stamps)
+        m_stamps.push_back((stamp & ~kGroupMask) | global[stamp & kGroupMask]);
+    collector.stamps.clear();
+}
+
+void SummaryParser::clearCounts()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_counts.clear();
+    m_groups.clear();
+    m_groupIds.clear();
+    m_stamps.clear();
+    m_stamps.shrink_to_fit();
+}
+
+MapForCounts SummaryParser::countForSummary()
+{
+    QFile file(m_filePath);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return MapForCounts();
+    scan(file);
+    file.close();
+
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    std::lock_guard<std::mutex> lock(m_mutex);
+    // Events that left the week never come back into it.
+    m_stamps.erase(std::remove_if(m_stamps.begin(), m_stamps.end(),
+                                  [now](quint64 stamp) { return qint64(stamp >> kGroupBits) < now - kWeekMs; }),
+                   m_stamps.end());
+    std::vector<WindowCounts> tally(m_groups.size());
+    std::vector<bool> seen(m_groups.size(), false);
+    for (const quint64 stamp : m_stamps) {
+        const qint64 ms = qint64(stamp >> kGroupBits);
+        if (ms > now)
+            continue;
+        const std::size_t group = stamp & kGroupMask;
+        WindowCounts &counts = tally[group];
+        seen[group] = true;
+        ++counts.week;
+        if (ms >= now - kDayMs)
+            ++counts.day;
+        if (ms >= now - kHourMs)
+            ++counts.hour;
+    }
+    m_counts.clear();
+    for (std::size_t group = 0; group < m_groups.size(); ++group) {
+        if (seen[group])
+            m_counts[m_groups[group].first].insert(m_groups[group].second, tally[group]);
+    }
+    return m_counts;
+}
+
+void SummaryParser::scan(QIODevice &file)
+{
+    const qint64 size = file.size();
+    const qint64 oldest = QDateTime::currentMSecsSinceEpoch() - kWeekMs;
+    if (canContinue(file, size)) {
+        if (m_resumePosition >= size)
+            return;
+        const qint64 from = m_resumePosition;
+        m_scannedSize = size;
+        LineReader reader(file);
+        if (reader.seek(from))
+            setResumePosition(file, scanTail(reader, oldest));
+        return;
+    }
+
+    beginFullScan(file, size);
+    clearCounts();
+    const std::vector<qint64> starts = rangeStarts(file, size);
+    std::vector<RangeResult> results(starts.size());
+    std::vector<std::thread> workers;
+    workers.reserve(starts.size());
+    for (std::size_t i = 0; i < starts.size(); ++i) {
+        const qint64 end = i + 1 == starts.size() ? size : starts[i + 1];
+        workers.emplace_back([this, &results, i, start = starts[i], end, oldest] {
+            results[i] = scanRange(start, end, oldest);
+        });
+    }
+    for (std::thread &worker : workers)
+        worker.join();
+
+    const bool complete = std::all_of(results.begin(), results.end(),
+                                      [](const RangeResult &r) { return r.opened && !r.stopped; });
+    if (!complete) {
+        setResumePosition(file, -1);
+        return;
+    }
+    qint64 resume = results.back().resume;
+    const qint64 current = file.size();
+    if (current > resume) {
+        m_scannedSize = std::max(m_scannedSize, current);
+        LineReader reader(file);
+        if (reader.seek(resume))
+            resume = scanTail(reader, oldest);
+    }
+    setResumePosition(file, resume);
+}
+
+qint64 SummaryParser::scanTail(LineReader &reader, qint64 oldest)
+{
+    Collector collector(oldest);
+    QByteArray line;
+    qint64 resume = -1;
+    for (;;) {
+        if (stopRequested())
+            break;
+        const qint64 position = reader.position();
+        if (!reader.readLine(&line))
+            break;
+        if (collector.take(line) == Collector::NotJson && !reader.lastLineTerminated()) {
+            resume = position;
+            break;
+        }
+        if (collector.stamps.size() >= kMergeEvery)
+            merge(collector);
+    }
+    merge(collector);
+    return resume >= 0 ? resume : reader.position();
+}
+
+SummaryParser::RangeResult SummaryParser::scanRange(qint64 start, qint64 end, qint64 oldest)
+{
+    RangeResult result;
+    QFile file(m_filePath);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return result;
+    result.opened = true;
+    result.resume = start;
+    LineReader reader(file);
+    if (!reader.seek(start))
+        return result;
+    Collector collector(oldest);
+    QByteArray line;
+    for (;;) {
+        if (stopRequested()) {
+            result.stopped = true;
+            break;
+        }
+        const qint64 position = reader.position();
+        if (position >= end)
+            break;
+        if (!reader.readLine(&line))
+            break;
+        if (collector.take(line) == Collector::NotJson && !reader.lastLineTerminated()) {
+            merge(collector);
+            result.resume = position;
+            return result;
+        }
+        if (collector.stamps.size() >= kMergeEvery)
+            merge(collector);
+    }
+    merge(collector);
+    result.resume = reader.position();
+    return result;
+}

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "Event.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QFile>
+#include <QStringList>
+#include <QtTest>
+
+#include <vector>
+
+// Journal lines and files for the parsing tests, written as the system logger writes them.
+namespace fixture
+{
+inline QByteArray line(const QString &messageId, const QString &priority = QStringLiteral("info"),
+                       const QString &source = QStringLiteral("velmo-auth"),
+                       const QDateTime &time = QDateTime(QDate(2024, 3, 1), QTime(10, 0), Qt::OffsetFromUTC, 3 * 3600),
+                       int padding = 0)
+{
+    return QStringLiteral("{\"FACILITY\":\"auth\",\"PRIORITY\":\"%1\",\"HOST\":\"host1\",\"ISODATE\":\"%2\","
+                          "\"MSG\":{\"%3\":{\"message_id\":\"%4\",\"name_en\":\"Event %4\",\"comment\":\"%5\"}}}")
+        .arg(priority, time.toString(Qt::ISODate), source, messageId, QString(padding, QLatin1Char('x')))
+        .toUtf8();
+}
+
+inline void write(const QString &path, const QByteArray &bytes, QIODevice::OpenMode mode = QIODevice::WriteOnly)
+{
+    QFile file(path);
+    QVERIFY2(file.open(mode), qPrintable(path));
+    QCOMPARE(file.write(bytes), qint64(bytes.size()));
+}
+
+inline void append(const QString &path, const QByteArray &bytes)
+{
+    write(path, bytes, QIODevice::Append);
+}
+
+// Lines "<prefix>0" .. with every seventh one broken and lengths that vary, so that
+// range boundaries land at all kinds of places.
+inline QByteArray journal(int lines, const QString &prefix = QStringLiteral("e"), QStringList *valid = nullptr)
+{
+    QByteArray bytes;
+    for (int i = 0; i < lines; ++i) {
+        const QString id = prefix + QString::number(i);
+        if (i % 7 == 3) {
+            bytes += "{\"MSG\": broken " + id.toUtf8() + "\n";
+            continue;
+        }
+        bytes += line(id, i % 2 ? "error" : "info", "velmo-auth", QDateTime(QDate(2024, 3, 1), QTime(10, 0), Qt::UTC),
+                      (i * 37) % 300)
+            + '\n';
+        if (valid)
+            valid->append(id);
+    }
+    return bytes;
+}
+
+// Message IDs in order; the events are deleted.
+inline QStringList ids(std::vector<Event *> events, QVector<quint32> *numbers = nullptr)
+{
+    QStringList result;
+    for (Event *event : events) {
+        result.append(event->messageId);
+        if (numbers)
+            numbers->append(event->number);
+        delete event;
+    }
+    return result;
+}
+}
+
+// Qt and the C library are not built for ThreadSanitizer: their locks, event queues and
+// allocations are invisible to it, so memory they hand between threads would be reported
+// as raced. Reports about our own code are unaffected.
+#if defined(__SANITIZE_THREAD__)
+#define NIMB_PARSING_TSAN_DEFAULTS                                                                          \
+    extern "C" const char *__tsan_default_options() { return "ignore_noninstrumented_modules=1"; }
+#else
+#define NIMB_PARSING_TSAN_DEFAULTS
+#endif
+
+// The dictionary is built on first use from the system paths, so they are redirected
+// before anything else runs.
+#define NIMB_PARSING_TEST_MAIN(TestClass)                                                                   \
+    NIMB_PARSING_TSAN_DEFAULTS                                                                              \
+    int main(int argc, char *argv[])                                                                        \
+    {                                                                                                       \
+        qputenv("NIMB_EVENT_VIEWER_SYSROOT", QByteArray(NIMB_TEST_DATA_DIR "/sysroot-engine"));              \
+        QCoreApplication app(argc, argv);                                                                   \
+        TestClass test;                                                                                     \
+        return QTest::qExec(&test, argc, argv);                                                             \
+    }
