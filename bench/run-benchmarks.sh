@@ -82,11 +82,11 @@ journal() {
 }
 
 # Milliseconds of wall time of one run of a shell command; its output is kept in
-# $OUT/last.out. -1 when the command fails.
+# $OUT/last.out and its processor time in $OUT/last.cpu. -1 when the command fails.
 run_once() {
     local start end
     start=$(date +%s%N)
-    if ! bash -c "$1" >"$OUT/last.out" 2>"$OUT/last.err"; then
+    if ! /usr/bin/time -f '%U %S' -o "$OUT/last.cpu" bash -c "$1" >"$OUT/last.out" 2>"$OUT/last.err"; then
         log "failed: $1"
         sed 's/^/    /' "$OUT/last.err" >&2
         echo -1
@@ -102,6 +102,7 @@ best_of() {
         t=$(run_once "$command")
         if ((t >= 0 && (best < 0 || t < best))); then
             best=$t
+            awk '{ printf "%d", ($1 + $2) * 1000 }' "$OUT/last.cpu" >"$OUT/best.cpu"
         fi
     done
     echo "$best"
@@ -142,8 +143,10 @@ for size in "${SIZES[@]}"; do
 
     R[$size,floor]=$(best_of "$runs" "$(quote "$FLOOR" "$file")")
     R[$size,floor_count]=$(cat "$OUT/last.out")
+    R[$size,floor_cpu]=$(cat "$OUT/best.cpu")
 
     R[$size,count]=$(best_of "$runs" "/usr/bin/time -v -o $(quote "$OUT/time.txt") $(quote "$EVENTS" count "$file")")
+    R[$size,count_cpu]=$(cat "$OUT/best.cpu")
     R[$size,events]=$(cat "$OUT/last.out")
     R[$size,rss_kb]=$(sed -n 's/^[[:space:]]*Maximum resident set size (kbytes): //p' "$OUT/time.txt")
 
@@ -168,7 +171,9 @@ for size in "${SIZES[@]}"; do
 
     R[$size,filter1]=$(best_of "$runs" "$(quote "$EVENTS" count "$file" "${FILTER[@]}" --workers 1)")
     R[$size,filtered]=$(cat "$OUT/last.out")
+    R[$size,filter1_cpu]=$(cat "$OUT/best.cpu")
     R[$size,filter2]=$(best_of "$runs" "$(quote "$EVENTS" count "$file" "${FILTER[@]}" --workers 2)")
+    R[$size,filter2_cpu]=$(cat "$OUT/best.cpu")
     R[$size,search]=$(best_of "$runs" "$(quote "$EVENTS" count "$file" "${KEYWORD[@]}" --workers 2)")
     R[$size,found]=$(cat "$OUT/last.out")
     R[$size,summary]=$(best_of "$runs" "$(quote "$EVENTS" summary "$file" --workers 2)")
@@ -193,9 +198,13 @@ c_wc() { seconds "${R[$1,wc]}"; }
 c_floor() { printf '%s (%s objects)' "$(seconds "${R[$1,floor]}")" "${R[$1,floor_count]}"; }
 c_count() { seconds "${R[$1,count]}"; }
 c_count_ratio() { ratio "${R[$1,count]}" "${R[$1,floor]}"; }
+c_count_cpu_ratio() { ratio "${R[$1,count_cpu]}" "${R[$1,floor_cpu]}"; }
 c_grow() { printf '%s (+%s lines)' "$(ms "${R[$1,grown_count_ms]:-}")" "${R[$1,appended_lines]:-?}"; }
-c_filter1() { printf '%s (%s events)' "$(seconds "${R[$1,filter1]}")" "${R[$1,filtered]}"; }
-c_filter2() { seconds "${R[$1,filter2]}"; }
+c_filter1() {
+    printf '%s (%s events; CPU %s)' "$(seconds "${R[$1,filter1]}")" "${R[$1,filtered]}" \
+        "$(seconds "${R[$1,filter1_cpu]}")"
+}
+c_filter2() { printf '%s (CPU %s)' "$(seconds "${R[$1,filter2]}")" "$(seconds "${R[$1,filter2_cpu]}")"; }
 c_speedup() { ratio "${R[$1,filter1]}" "${R[$1,filter2]}"; }
 c_search() { printf '%s (%s events)' "$(seconds "${R[$1,search]}")" "${R[$1,found]}"; }
 c_summary() { seconds "${R[$1,summary]}"; }
@@ -221,6 +230,7 @@ c_jq_ratio() { ratio "${R[$1,jq]}" "${R[$1,count]}"; }
     row "Qt JSON parse of every line, 1 thread (nimb-json-floor)" "" c_floor
     row "Full count (\`nimb-events count\`)" "" c_count
     row "Full count ÷ JSON floor" "≤ 1.5×" c_count_ratio
+    row "Same ratio in processor time (user+sys)" "" c_count_cpu_ratio
     row "Count again after appending 1% (same parser)" "" c_grow
     row "Filtered count, 1 worker" "" c_filter1
     row "Filtered count, 2 workers" "" c_filter2
@@ -235,5 +245,6 @@ c_jq_ratio() { ratio "${R[$1,jq]}" "${R[$1,count]}"; }
     echo
     echo "Filter: \`${FILTER[*]}\`; keyword: \`${KEYWORD[*]}\`. Wall times, warm page cache;" \
         "best of 2 runs for journals below 1 GB, single runs for 1 GB. $(nproc) processors;" \
-        "load average before $LOAD_BEFORE, after $LOAD_AFTER. Journals: nimb-gen-journal --seed $SEED."
+        "load average before $LOAD_BEFORE, after $LOAD_AFTER (other work on the machine lengthens wall times;" \
+        "the processor times show the work itself). Journals: nimb-gen-journal --seed $SEED."
 } | tee "$OUT/results.md"
