@@ -7,8 +7,8 @@
 
 class QCommandLineParser;
 
-// Command-line options that describe a FilterPack, shared by nimb-events and the
-// benchmark driver so that both read a filter the same way.
+// Command-line options that describe a FilterPack. Kept on their own so that any tool
+// taking a filter on its command line reads it the same way as nimb-events.
 namespace FilterOptions
 {
 void addTo(QCommandLineParser &parser);
