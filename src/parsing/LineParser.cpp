@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <array>
+#include <ctime>
 
 namespace
 {
@@ -254,6 +255,13 @@ bool LineParser::acceptsLine(const QByteArray &line)
 }
 QDateTime LineParser::fromEpochSeconds(qint64 seconds)
 {
+    // The offset comes straight from the C library: Qt's local-time path serialises
+    // every call on a process-wide lock and re-reads the zone file, which made the
+    // counting threads take turns. Both consult the same zone rules.
+    const time_t instant = static_cast<time_t>(seconds);
+    struct tm broken {};
+    if (static_cast<qint64>(instant) == seconds && localtime_r(&instant, &broken))
+        return QDateTime::fromSecsSinceEpoch(seconds, Qt::OffsetFromUTC, static_cast<int>(broken.tm_gmtoff));
     const QDateTime local = QDateTime::fromSecsSinceEpoch(seconds, Qt::LocalTime);
     return QDateTime::fromSecsSinceEpoch(seconds, Qt::OffsetFromUTC, local.offsetFromUtc());
 }
