@@ -1,22 +1,25 @@
 #pragma once
 
 #include "Event.h"
+#include "LineReader.h"
 
 #include <QByteArray>
+#include <QFile>
 #include <QObject>
 #include <QPair>
 #include <QString>
 
+#include <algorithm>
 #include <atomic>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
+#include <thread>
 #include <vector>
 
-class QFile;
 class QIODevice;
-class LineReader;
 
 // Scans a journal once and remembers where the counted lines start, so that a page
 // is read by seeking instead of keeping events in memory. Later calls scan only
@@ -96,6 +99,119 @@ protected:
     void trimPositions();
     // Forces the next scan to start from the beginning (e.g. after the filter changed).
     void invalidateResults() { m_invalidated.store(true, std::memory_order_relaxed); }
+
+    // How far one run of reading got.
+    struct RangeEnd {
+        qint64 resume = -1; // start of the first line not read in full
+        int lastPercent = 0;
+        bool opened = false;
+        bool stopped = false;
+    };
+
+    // Hands every line from the reader's position up to `end` (or the end of the data)
+    // to take(position, line), which answers whether the line was readable. The stop
+    // flag is polled once per line. An unreadable line without its line feed is
+    // probably still being written: reading ends before it, so the next scan starts there.
+    template<typename Take>
+    RangeEnd readLines(LineReader &reader, qint64 end, Take take)
+    {
+        RangeEnd result;
+        result.opened = true;
+        QByteArray line;
+        for (;;) {
+            if (stopRequested()) {
+                result.stopped = true;
+                break;
+            }
+            const qint64 position = reader.position();
+            if (position >= end || !reader.readLine(&line))
+                break;
+            if (!take(position, line) && !reader.lastLineTerminated()) {
+                result.resume = position;
+                return result;
+            }
+        }
+        result.resume = reader.position();
+        return result;
+    }
+
+    // readLines over [start, end) through a file handle of the calling worker's own.
+    template<typename Take>
+    RangeEnd readRange(qint64 start, qint64 end, Take take)
+    {
+        QFile file(m_filePath);
+        RangeEnd result;
+        result.resume = start;
+        if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+            return result;
+        LineReader reader(file);
+        if (!reader.seek(start)) {
+            result.opened = true;
+            return result;
+        }
+        return readLines(reader, end, take);
+    }
+
+    // The incremental path: reads only the appended tail with scanTail(reader, size),
+    // which returns where the next scan resumes. False when a full scan is needed.
+    template<typename Tail>
+    bool continueScan(QIODevice &file, qint64 size, Tail scanTail)
+    {
+        if (!canContinue(file, size))
+            return false;
+        if (m_resumePosition >= size)
+            return true;
+        const qint64 from = m_resumePosition;
+        reservePositions(size - from, from, m_positions.size());
+        m_scannedSize = size;
+        LineReader reader(file);
+        if (reader.seek(from))
+            setResumePosition(file, scanTail(reader, size));
+        return true;
+    }
+
+    // A full scan over the ranges of rangeStarts(), one thread each running
+    // scanRange(start, end, isLastRange) -> RangeEnd; then the lines appended while they
+    // ran are read on this thread with scanTail(reader, size). Positions end up sorted.
+    template<typename Range, typename Tail>
+    void scanInParallel(QIODevice &file, qint64 size, Range scanRange, Tail scanTail)
+    {
+        const std::vector<qint64> starts = rangeStarts(file, size);
+        std::vector<RangeEnd> results(starts.size());
+        std::vector<std::thread> workers;
+        workers.reserve(starts.size());
+        for (std::size_t i = 0; i < starts.size(); ++i) {
+            const bool last = i + 1 == starts.size();
+            const qint64 end = last ? size : starts[i + 1];
+            workers.emplace_back([&results, &scanRange, i, start = starts[i], end, last] {
+                results[i] = scanRange(start, end, last);
+            });
+        }
+        for (std::thread &worker : workers)
+            worker.join();
+        {
+            // Workers append in whatever order they finish their batches.
+            std::lock_guard<std::mutex> lock(m_mutex);
+            std::sort(m_positions.begin(), m_positions.end());
+        }
+        m_lastPercent = results.back().lastPercent;
+        const bool complete = std::all_of(results.begin(), results.end(),
+                                          [](const RangeEnd &r) { return r.opened && !r.stopped; });
+        if (!complete) {
+            // Gaps in several ranges cannot be continued; the next scan starts afresh.
+            setResumePosition(file, -1);
+            return;
+        }
+        qint64 resume = results.back().resume;
+        const qint64 current = file.size();
+        if (current > resume) {
+            m_scannedSize = std::max(m_scannedSize, current);
+            LineReader reader(file);
+            if (reader.seek(resume))
+                resume = scanTail(reader, current);
+        }
+        setResumePosition(file, resume);
+    }
 
     QString m_filePath;
     std::atomic<int> m_indexBase{0};

@@ -21,14 +21,9 @@ protected:
     void scan(QIODevice &file) override;
 
 private:
-    struct RangeResult {
-        qint64 resume = -1; // start of the first line of the range not read in full
-        int lastPercent = 0;
-        bool opened = false;
-        bool stopped = false;
-    };
-
-    RangeResult scanRange(qint64 start, qint64 end, bool reportsProgress);
+    RangeEnd scanRange(qint64 start, qint64 end, bool reportsProgress);
+    // Tests one line and records its position when it passes; false when it does not parse.
+    bool take(const QByteArray &line, qint64 position, std::vector<qint64> &batch);
     // Reads from the reader's position to the end of the data on the calling thread.
     qint64 scanTail(LineReader &reader, qint64 size);
 

@@ -32,21 +32,10 @@ void LogParser::scan(QIODevice &file)
         return;
     std::vector<qint64> batch;
     batch.reserve(kBatch);
-    QByteArray line;
     qint64 linesRead = 0;
-    qint64 resume = -1;
-    for (;;) {
-        if (stopRequested())
-            break;
-        const qint64 position = reader.position();
-        if (!reader.readLine(&line))
-            break;
+    const RangeEnd end = readLines(reader, std::numeric_limits<qint64>::max(),
+                                   [&](qint64 position, const QByteArray &line) {
         const bool accepted = LineParser::acceptsLine(line);
-        if (!accepted && !reader.lastLineTerminated()) {
-            // Probably still being written: read it again once it is complete.
-            resume = position;
-            break;
-        }
         if (accepted) {
             batch.push_back(position);
             if (batch.size() == kBatch)
@@ -58,9 +47,10 @@ void LogParser::scan(QIODevice &file)
             flushPositions(batch);
             reservePositions(size - reader.position(), reader.position(), m_positions.size());
         }
-    }
+        return accepted;
+    });
     flushPositions(batch);
     // Also after a stop: the next scan continues where this one ended.
-    setResumePosition(file, resume >= 0 ? resume : reader.position());
+    setResumePosition(file, end.resume);
     trimPositions();
 }

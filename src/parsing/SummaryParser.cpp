@@ -9,7 +9,6 @@
 #include <QJsonObject>
 
 #include <algorithm>
-#include <thread>
 
 namespace
 {
@@ -156,103 +155,38 @@ void SummaryParser::scan(QIODevice &file)
 {
     const qint64 size = file.size();
     const qint64 oldest = QDateTime::currentMSecsSinceEpoch() - kWeekMs;
-    if (canContinue(file, size)) {
-        if (m_resumePosition >= size)
-            return;
-        const qint64 from = m_resumePosition;
-        m_scannedSize = size;
-        LineReader reader(file);
-        if (reader.seek(from))
-            setResumePosition(file, scanTail(reader, oldest));
+    auto tail = [this, oldest](LineReader &reader, qint64) { return scanTail(reader, oldest); };
+    if (continueScan(file, size, tail))
         return;
-    }
-
     beginFullScan(file, size);
     clearCounts();
-    const std::vector<qint64> starts = rangeStarts(file, size);
-    std::vector<RangeResult> results(starts.size());
-    std::vector<std::thread> workers;
-    workers.reserve(starts.size());
-    for (std::size_t i = 0; i < starts.size(); ++i) {
-        const qint64 end = i + 1 == starts.size() ? size : starts[i + 1];
-        workers.emplace_back([this, &results, i, start = starts[i], end, oldest] {
-            results[i] = scanRange(start, end, oldest);
-        });
-    }
-    for (std::thread &worker : workers)
-        worker.join();
+    scanInParallel(file, size, [this, oldest](qint64 start, qint64 end, bool) { return scanRange(start, end, oldest); },
+                   tail);
+}
 
-    const bool complete = std::all_of(results.begin(), results.end(),
-                                      [](const RangeResult &r) { return r.opened && !r.stopped; });
-    if (!complete) {
-        setResumePosition(file, -1);
-        return;
-    }
-    qint64 resume = results.back().resume;
-    const qint64 current = file.size();
-    if (current > resume) {
-        m_scannedSize = std::max(m_scannedSize, current);
-        LineReader reader(file);
-        if (reader.seek(resume))
-            resume = scanTail(reader, oldest);
-    }
-    setResumePosition(file, resume);
+// The light reading of a line builds no Event; a line that is not JSON counts as unreadable.
+template<typename Read>
+AbstractLogParser::RangeEnd SummaryParser::collect(qint64 oldest, Read read)
+{
+    Collector collector(oldest);
+    const RangeEnd end = read([this, &collector](qint64, const QByteArray &line) {
+        const bool readable = collector.take(line) != Collector::NotJson;
+        if (collector.stamps.size() >= kMergeEvery)
+            merge(collector);
+        return readable;
+    });
+    merge(collector);
+    return end;
 }
 
 qint64 SummaryParser::scanTail(LineReader &reader, qint64 oldest)
 {
-    Collector collector(oldest);
-    QByteArray line;
-    qint64 resume = -1;
-    for (;;) {
-        if (stopRequested())
-            break;
-        const qint64 position = reader.position();
-        if (!reader.readLine(&line))
-            break;
-        if (collector.take(line) == Collector::NotJson && !reader.lastLineTerminated()) {
-            resume = position;
-            break;
-        }
-        if (collector.stamps.size() >= kMergeEvery)
-            merge(collector);
-    }
-    merge(collector);
-    return resume >= 0 ? resume : reader.position();
+    return collect(oldest, [this, &reader](auto take) {
+               return readLines(reader, std::numeric_limits<qint64>::max(), take);
+           }).resume;
 }
 
-SummaryParser::RangeResult SummaryParser::scanRange(qint64 start, qint64 end, qint64 oldest)
+AbstractLogParser::RangeEnd SummaryParser::scanRange(qint64 start, qint64 end, qint64 oldest)
 {
-    RangeResult result;
-    QFile file(m_filePath);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        return result;
-    result.opened = true;
-    result.resume = start;
-    LineReader reader(file);
-    if (!reader.seek(start))
-        return result;
-    Collector collector(oldest);
-    QByteArray line;
-    for (;;) {
-        if (stopRequested()) {
-            result.stopped = true;
-            break;
-        }
-        const qint64 position = reader.position();
-        if (position >= end)
-            break;
-        if (!reader.readLine(&line))
-            break;
-        if (collector.take(line) == Collector::NotJson && !reader.lastLineTerminated()) {
-            merge(collector);
-            result.resume = position;
-            return result;
-        }
-        if (collector.stamps.size() >= kMergeEvery)
-            merge(collector);
-    }
-    merge(collector);
-    result.resume = reader.position();
-    return result;
+    return collect(oldest, [this, start, end](auto take) { return readRange(start, end, take); });
 }

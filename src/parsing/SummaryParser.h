@@ -28,14 +28,12 @@ protected:
     void scan(QIODevice &file) override;
 
 private:
-    struct RangeResult {
-        qint64 resume = -1;
-        bool opened = false;
-        bool stopped = false;
-    };
     class Collector;
 
-    RangeResult scanRange(qint64 start, qint64 end, qint64 oldest);
+    RangeEnd scanRange(qint64 start, qint64 end, qint64 oldest);
+    // Runs read(take) with a collector of its own and merges what it found.
+    template<typename Read>
+    RangeEnd collect(qint64 oldest, Read read);
     qint64 scanTail(LineReader &reader, qint64 oldest);
     // Moves a worker's findings into the shared stamps under the mutex.
     void merge(Collector &collector);
