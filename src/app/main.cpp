@@ -1,3 +1,5 @@
+#include "CompressedLogFile.h"
+#include "LogParser.h"
 #include "NimbInit.h"
 #include "NimbTranslator.h"
 #include "SystemPaths.h"
@@ -11,7 +13,16 @@ int main(int argc, char *argv[])
     nimbInit(QStringLiteral("1.0.0"), QStringLiteral("System events journal"));
     nimbTranslatorInstall(QStringLiteral("nimb-event-viewer"));
 
-    // Until the main window exists the viewer only reports what it would read.
-    QTextStream(stdout) << "would open " << SystemPaths::defaultJournal() << Qt::endl;
+    // Until the main window exists the viewer only reports what it would show.
+    QTextStream out(stdout);
+    const QString journal = SystemPaths::defaultJournal();
+    out << "would open " << journal << Qt::endl;
+    const CompressedLogFile readable(journal);
+    LogParser parser(readable.readablePath());
+    if (!parser.isJournal()) {
+        out << QCoreApplication::translate("LogWidget", "Can't open log file.") << Qt::endl;
+        return 1;
+    }
+    out << "events: " << parser.count() << Qt::endl;
     return 0;
 }
