@@ -2,11 +2,8 @@
 #include "ConfigHandler.h"
 #include "Dictionary.h"
 #include "LineParser.h"
+#include "NimbTestMain.h"
 #include "SystemPaths.h"
-
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QtTest>
 
 #include <memory>
 
@@ -23,9 +20,8 @@ int typeOf(const char *key)
 // when null, removed.
 std::unique_ptr<Event> login(const QJsonObject &changes = {})
 {
-    QJsonObject body{{"message_id", "auth-login"}, {"name_en", "User logged in"},
-                     {"type_en", "Authentication"}, {"uid", 1000}, {"user", "alice"},
-                     {"result", "success"}, {"ticket_id", "T-1"}};
+    QJsonObject body{{"message_id", "auth-login"}, {"name_en", "User logged in"}, {"type_en", "Authentication"},
+                     {"uid", 1000}, {"user", "alice"}, {"result", "success"}, {"ticket_id", "T-1"}};
     QJsonObject line{{"PRIORITY", "info"}, {"HOST", "node1"}, {"ISODATE", "2024-03-01T10:00:00+03:00"}};
     QString source = QStringLiteral("velmo-auth");
     for (auto it = changes.begin(); it != changes.end(); ++it) {
@@ -41,6 +37,11 @@ std::unique_ptr<Event> login(const QJsonObject &changes = {})
     line.insert(QStringLiteral("MSG"), QJsonObject{{source, body}});
     return LineParser::parseLine(QJsonDocument(line).toJson(QJsonDocument::Compact));
 }
+
+void readInto(ConfigStore &store)
+{
+    ConfigHandler(store).readConfig();
+}
 }
 
 class TestConfigStore : public QObject
@@ -48,13 +49,6 @@ class TestConfigStore : public QObject
     Q_OBJECT
 
     std::unique_ptr<QTemporaryDir> m_dir;
-
-    void pointSettingsAt(std::unique_ptr<QTemporaryDir> dir)
-    {
-        QVERIFY(dir->isValid());
-        m_dir = std::move(dir);
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir->path());
-    }
 
     QString settingsFile() const { return m_dir->path() + QStringLiteral("/trelvik/nimb-event-viewer.conf"); }
 
@@ -75,15 +69,15 @@ class TestConfigStore : public QObject
     // QSettings keeps the typed values of a file it wrote itself in memory, while the
     // next start of the program sees only the file's text. Reading a copy under a new
     // path gives that next start's view.
-    void reopenFromDisk()
+    ConfigStore readFromDisk()
     {
         const QByteArray content = fileBytes();
-        QVERIFY(!content.isEmpty());
-        pointSettingsAt(std::make_unique<QTemporaryDir>());
+        init();
         writeFile(content);
+        ConfigStore read;
+        readInto(read);
+        return read;
     }
-
-    static void readInto(ConfigStore &store) { ConfigHandler(store).readConfig(); }
 
 private slots:
     void initTestCase()
@@ -93,13 +87,17 @@ private slots:
         QCOMPARE(AuxParRegistry::instance().customParameters().size(), 2);
     }
 
-    void init() { pointSettingsAt(std::make_unique<QTemporaryDir>()); }
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        QVERIFY(m_dir->isValid());
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir->path());
+    }
 
     void freshUserGetsDefaults()
     {
         ConfigHandler shared;
         QCOMPARE(&shared.store(), &ConfigStore::instance());
-
         ConfigStore store;
         readInto(store);
         QCOMPARE(store.mainLogPath(), kFixtureSysroot + QStringLiteral("/quorv/log/velmo/events"));
@@ -107,8 +105,7 @@ private slots:
         QVERIFY(store.recentFiles().isEmpty() && store.favoriteEvents().empty() && store.savedFilters().isEmpty());
         QVERIFY(store.visibleColumns().isEmpty() && store.visibleCustomColumns().isEmpty());
         QVERIFY(store.geometry().isEmpty() && store.state().isEmpty() && !store.maximized());
-        QCOMPARE(store.pos(), QPoint(0, 0));
-        QVERIFY(!store.size().isValid());
+        QVERIFY(store.pos() == QPoint(0, 0) && !store.size().isValid());
 
         // Without a sysroot the default is the system's own journal.
         const QByteArray sysroot = qgetenv("NIMB_EVENT_VIEWER_SYSROOT");
@@ -132,11 +129,9 @@ private slots:
         QCOMPARE(store.recentFiles(), QStringList({"/f3", "/f4", "/f5", "/f6", "/f1"}));
 
         // A list longer than five, with a repeat, obeys the same rule when read.
-        writeFile("[Recently%20opened%20files]\n"
-                  "Recent%20files%20number=8\n"
-                  "Recent%20file%20%00=a\nRecent%20file%20%01=b\nRecent%20file%20%02=a\n"
-                  "Recent%20file%20%03=c\nRecent%20file%20%04=d\nRecent%20file%20%05=e\n"
-                  "Recent%20file%20%06=f\nRecent%20file%20%07=g\n");
+        writeFile("[Recently%20opened%20files]\nRecent%20files%20number=8\n"
+                  "Recent%20file%20%00=a\nRecent%20file%20%01=b\nRecent%20file%20%02=a\nRecent%20file%20%03=c\n"
+                  "Recent%20file%20%04=d\nRecent%20file%20%05=e\nRecent%20file%20%06=f\nRecent%20file%20%07=g\n");
         ConfigStore read;
         readInto(read);
         QCOMPARE(read.recentFiles(), QStringList({"c", "d", "e", "f", "g"}));
@@ -145,9 +140,8 @@ private slots:
     void listEntriesAreKeyedByIndexCharacter()
     {
         ConfigStore store;
-        store.addRecentFile(QStringLiteral("/logs/one"));
-        store.addRecentFile(QStringLiteral("/logs/two"));
-        store.addRecentFile(QStringLiteral("/logs/three"));
+        for (const char *path : {"/logs/one", "/logs/two", "/logs/three"})
+            store.addRecentFile(QLatin1String(path));
         store.favoriteEvents() = {QStringLiteral("zeta"), QStringLiteral("alpha"), QStringLiteral("mid")};
         ConfigHandler(store).writeConfig();
 
@@ -160,33 +154,22 @@ private slots:
             QVERIFY2(bytes.contains(entry), entry);
         QVERIFY(!bytes.contains("Recent%20file%20%03") && !bytes.contains("Recent%20file%200"));
 
-        reopenFromDisk();
-        ConfigStore read;
-        readInto(read);
+        const ConfigStore read = readFromDisk();
         QCOMPARE(read.recentFiles(), store.recentFiles());
         QCOMPARE(read.favoriteEvents(), store.favoriteEvents());
     }
 
     void writtenFileRestoresEveryField()
     {
-        const int uid = typeOf("uid");
-        const int user = typeOf("user");
-        const int result = typeOf("result");
-        const int source = typeOf("source");
-
+        const int uid = typeOf("uid"), user = typeOf("user"), result = typeOf("result"), source = typeOf("source");
         FilterPack logins;
         logins.name = QStringLiteral("Logins of alice");
         logins.from = QDateTime(QDate(2024, 3, 1), QTime(9, 0), Qt::OffsetFromUTC, 3 * 3600);
         logins.to = QDateTime(QDate(2024, 3, 2), QTime(0, 0), Qt::UTC);
-        logins.checkFrom = true;
+        logins.checkFrom = logins.checkEventTypes = logins.checkPriorities = true;
         logins.eventTypes = {QStringLiteral("Authentication")};
-        logins.checkEventTypes = true;
         logins.priorities = {Event::Info, Event::Notice};
-        logins.checkPriorities = true;
-        logins.auxConditions.insert(uid, 1000);
-        logins.auxConditions.insert(user, QStringLiteral("alice"));
-        logins.auxConditions.insert(result, true);
-        logins.auxConditions.insert(source, QStringLiteral("velmo-auth"));
+        logins.auxConditions = {{uid, 1000}, {user, "alice"}, {result, true}, {source, "velmo-auth"}};
         logins.customConditions.insert(QStringLiteral("ticket_id"), QStringLiteral("T-1"));
 
         FilterPack texts;
@@ -215,15 +198,12 @@ private slots:
         store.addRecentFile(QStringLiteral("/srv/b.log.gz"));
         store.favoriteEvents() = {QStringLiteral("auth-login"), QStringLiteral("net-up")};
         store.savedFilters() = {logins, texts};
-
         ConfigHandler handler(store);
         QSignalSpy written(&handler, &ConfigHandler::configWritten);
         handler.writeConfig();
         QCOMPARE(written.count(), 1);
 
-        reopenFromDisk();
-        ConfigStore read;
-        readInto(read);
+        const ConfigStore read = readFromDisk();
         QVERIFY(read.geometry() == store.geometry() && read.state() == store.state() && !read.maximized());
         QVERIFY(read.pos() == store.pos() && read.size() == store.size());
         QCOMPARE(read.visibleColumns(), store.visibleColumns());
@@ -233,10 +213,8 @@ private slots:
         QCOMPARE(read.favoriteEvents(), store.favoriteEvents());
         QCOMPARE(read.savedFilters().size(), 2);
         for (int i = 0; i < 2; ++i) {
-            const FilterPack &original = store.savedFilters().at(i);
-            const FilterPack &restored = read.savedFilters().at(i);
-            QCOMPARE(restored.name, original.name);
-            QVERIFY(restored == original);
+            QCOMPARE(read.savedFilters().at(i).name, store.savedFilters().at(i).name);
+            QVERIFY(read.savedFilters().at(i) == store.savedFilters().at(i));
         }
         // Rebuilt in the dictionary's order: priorities by number, "custom-events"
         // before "network".
@@ -269,16 +247,13 @@ private slots:
 
     void filterKeysFollowTheFileLayout()
     {
-        FilterPack plain;
-        plain.name = QStringLiteral("plain");
-        plain.eventTypes = {QStringLiteral("Authentication")};
-        plain.priorities = {Event::Info};
-        FilterPack second;
-        second.name = QStringLiteral("second");
         ConfigStore store;
-        store.savedFilters() = {plain, second};
+        store.savedFilters() = {FilterPack(), FilterPack()};
+        store.savedFilters()[0].eventTypes = {QStringLiteral("Authentication")};
+        store.savedFilters()[0].priorities = {Event::Info};
+        store.savedFilters()[1].name = QStringLiteral("second");
         ConfigHandler(store).writeConfig();
-        reopenFromDisk();
+        readFromDisk();
 
         QSettings raw(QSettings::NativeFormat, QSettings::UserScope, "trelvik", "nimb-event-viewer");
         raw.beginGroup(QStringLiteral("Filters"));
@@ -290,9 +265,8 @@ private slots:
         for (auto it = flags.cbegin(); it != flags.cend(); ++it)
             QCOMPARE(raw.value(it.key(), -1).toInt(), it.value());
         QVERIFY(raw.contains(QStringLiteral("Check whole word 1")));
-        const AuxParRegistry &registry = AuxParRegistry::instance();
-        for (int type = 0; type < registry.count(); ++type) {
-            const QString name = registry.prototype(type)->key();
+        for (int type = 0; type < AuxParRegistry::count(); ++type) {
+            const QString name = AuxParRegistry::instance().prototype(type)->key();
             const QString check = QStringLiteral("check_") + name + QStringLiteral(" 0");
             QCOMPARE(raw.contains(check), !AuxParRegistry::isExcludedFromMatching(type));
             if (raw.contains(check))
@@ -316,21 +290,17 @@ private slots:
 
         ConfigStore later;
         later.maximized() = true;
-        later.pos() = QPoint(0, 0);
         later.size() = QSize(1920, 1080);
         later.addRecentFile(QStringLiteral("/new"));
         later.savedFilters() = {FilterPack()};
         ConfigHandler(later).writeConfig();
 
-        const QByteArray bytes = fileBytes();
         for (const char *entry : {"Maximized=true\n", "Pos=@Point(5 6)\n", "Size=@Size(640 480)\n",
                                   "Recent%20files%20number=1\n", "Recent%20file%20%04=/5\n", "Name%202=f2\n"})
-            QVERIFY2(bytes.contains(entry), entry);
+            QVERIFY2(fileBytes().contains(entry), entry);
 
         // The counts, not the keys present, decide what is read.
-        reopenFromDisk();
-        ConfigStore read;
-        readInto(read);
+        const ConfigStore read = readFromDisk();
         QVERIFY(read.maximized() && read.pos() == QPoint(5, 6) && read.size() == QSize(640, 480));
         QCOMPARE(read.recentFiles(), QStringList({"/new"}));
         QCOMPARE(read.savedFilters().size(), 1);
@@ -345,14 +315,11 @@ private slots:
     {
         writeFile("[MainWindow]\nPos=nonsense\nSize=@Size(oops)\nGeometry=@ByteArray(\n"
                   "[Application%20settings]\nMain%20log%20path=\nMessages%20per%20page=abc\n"
-                  "[Recently%20opened%20files]\nRecent%20files%20number=2147483647\n"
-                  "Recent%20file%20%00=/var/log/a\n"
+                  "[Recently%20opened%20files]\nRecent%20files%20number=2147483647\nRecent%20file%20%00=/var/log/a\n"
                   "[Favorite%20events]\nFavorite%20events%20number=-4\nFavorite%20event%20%00=x\n"
                   "[Filters]\nNumber%20of%20filters=2147483647\nName%200=broken\n"
-                  "check_uid%200=true\nuid%200=not a number\n"
-                  "check_result%200=true\nresult%200=maybe\n"
-                  "check_user%200=true\nuser%200=bob\n"
-                  "check_ticket_id%200=true\n"
+                  "check_uid%200=true\nuid%200=not a number\ncheck_result%200=true\nresult%200=maybe\n"
+                  "check_user%200=true\nuser%200=bob\ncheck_ticket_id%200=true\n"
                   "FilterEventTypes\\auth0=yes\ninfo0=1\n"
                   "Check%20from%200=true\nFrom%200=@Variant(\\0\\0\\0\\x10garbage)\n");
         ConfigStore read;
@@ -365,12 +332,9 @@ private slots:
         QCOMPARE(read.savedFilters().size(), 1);
         const FilterPack &broken = read.savedFilters().constFirst();
         QCOMPARE(broken.name, QStringLiteral("broken"));
-        QCOMPARE(broken.auxConditions.size(), 1);
-        QCOMPARE(broken.auxConditions.value(typeOf("user")), QVariant(QStringLiteral("bob")));
-        QVERIFY(broken.customConditions.isEmpty());
-        QVERIFY(broken.eventTypes.isEmpty());
+        QCOMPARE(broken.auxConditions, (QHash<int, QVariant>{{typeOf("user"), QStringLiteral("bob")}}));
+        QVERIFY(broken.customConditions.isEmpty() && broken.eventTypes.isEmpty() && broken.checkFrom);
         QCOMPARE(broken.priorities, QVector<int>({Event::Info}));
-        QVERIFY(broken.checkFrom);
 
         // Page sizes the settings dialog cannot produce. A count beyond any int still
         // converts to some large number; only the entries present are read.
@@ -390,19 +354,9 @@ private slots:
         static const char garbage[] = "\x00\xff[[[=\n=\n@Variant(\x01\n[Filters\nNumber";
         writeFile(QByteArray(garbage, sizeof garbage - 1));
         readInto(read);
-        QCOMPARE(read.messagesPerPage(), 1000);
-        QVERIFY(read.favoriteEvents().empty());
-        QVERIFY(read.savedFilters().isEmpty());
+        QVERIFY(read.messagesPerPage() == 1000 && read.favoriteEvents().empty() && read.savedFilters().isEmpty());
     }
 };
 
-int main(int argc, char **argv)
-{
-    // The dictionary and the parameter registry read the fixture once, on first use.
-    qputenv("NIMB_EVENT_VIEWER_SYSROOT", kFixtureSysroot.toLocal8Bit());
-    QCoreApplication app(argc, argv);
-    TestConfigStore test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+NIMB_TEST_MAIN_WITH(TestConfigStore, QCoreApplication, NIMB_TEST_DATA_DIR "/config-sysroot")
 #include "test_configstore.moc"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Event.h"
+#include "NimbTestMain.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -80,14 +81,7 @@ inline QStringList ids(std::vector<Event *> events, QVector<quint32> *numbers = 
 #define NIMB_PARSING_TSAN_DEFAULTS
 #endif
 
-// The dictionary is built on first use from the system paths, so they are redirected
-// before anything else runs.
+// The dictionary is built on first use from the system paths.
 #define NIMB_PARSING_TEST_MAIN(TestClass)                                                                   \
     NIMB_PARSING_TSAN_DEFAULTS                                                                              \
-    int main(int argc, char *argv[])                                                                        \
-    {                                                                                                       \
-        qputenv("NIMB_EVENT_VIEWER_SYSROOT", QByteArray(NIMB_TEST_DATA_DIR "/sysroot-engine"));              \
-        QCoreApplication app(argc, argv);                                                                   \
-        TestClass test;                                                                                     \
-        return QTest::qExec(&test, argc, argv);                                                             \
-    }
+    NIMB_TEST_MAIN_WITH(TestClass, QCoreApplication, NIMB_TEST_DATA_DIR "/sysroot-engine")

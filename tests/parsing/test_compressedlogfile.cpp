@@ -23,10 +23,9 @@ QByteArray compressed(const QByteArray &data, KCompressionDevice::CompressionTyp
 {
     QByteArray packed;
     KCompressionDevice device(new QBuffer(&packed), true, type);
-    if (!device.open(QIODevice::WriteOnly) || device.write(data) != data.size())
-        return QByteArray();
+    const bool written = device.open(QIODevice::WriteOnly) && device.write(data) == data.size();
     device.close();
-    return packed;
+    return written ? packed : QByteArray();
 }
 
 const QVector<std::tuple<C, KCompressionDevice::CompressionType, QString>> kKinds{
@@ -65,16 +64,14 @@ private slots:
             QString copyPath;
             {
                 CompressedLogFile file(path);
-                QCOMPARE(file.compression(), std::get<0>(kind));
-                QVERIFY(file.isTemporary() && file.unpacked());
+                QVERIFY(file.compression() == std::get<0>(kind) && file.isTemporary() && file.unpacked());
                 copyPath = file.readablePath();
                 const QFileInfo copy(copyPath);
                 QCOMPARE(copy.absolutePath(), QFileInfo(QDir::tempPath()).absoluteFilePath());
                 const QString stem = std::get<2>(kind) == ".1" ? "events 1.1." : "events 1.";
                 QVERIFY2(copy.fileName().startsWith(stem), qPrintable(copy.fileName()));
                 struct stat status;
-                QCOMPARE(::stat(QFile::encodeName(copyPath).constData(), &status), 0);
-                QCOMPARE(status.st_mode & 0777, 0600u);
+                QVERIFY(::stat(QFile::encodeName(copyPath).constData(), &status) == 0 && (status.st_mode & 0777) == 0600u);
                 QCOMPARE(contents(copyPath), journal);
                 QCOMPARE(LogParser(copyPath).count(), valid.size());
                 // Two owners of the same rotation never share a copy.
@@ -87,9 +84,7 @@ private slots:
         const QString plain = m_dir.filePath("events.1");
         fixture::write(plain, journal);
         const CompressedLogFile file(plain);
-        QVERIFY(!file.isTemporary() && file.unpacked());
-        QCOMPARE(file.compression(), C::None);
-        QCOMPARE(file.readablePath(), plain);
+        QVERIFY(!file.isTemporary() && file.unpacked() && file.compression() == C::None && file.readablePath() == plain);
     }
 
     void brokenArchivesAreNoJournals()
@@ -115,8 +110,7 @@ private slots:
             QCOMPARE(contents(path), entry.second);
         }
         const CompressedLogFile missing(m_dir.filePath("missing.gz"));
-        QVERIFY(!missing.unpacked());
-        QVERIFY(!LogParser(missing.readablePath()).isJournal());
+        QVERIFY(!missing.unpacked() && !LogParser(missing.readablePath()).isJournal());
     }
 };
 

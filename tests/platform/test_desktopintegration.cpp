@@ -49,9 +49,9 @@ private slots:
         const QString dir = m_themeRoot.path() + QStringLiteral("/nimbtest/64x64/actions");
         QVERIFY(QDir().mkpath(dir));
         QFile index(m_themeRoot.path() + QStringLiteral("/nimbtest/index.theme"));
-        QVERIFY(index.open(QIODevice::WriteOnly));
-        index.write("[Icon Theme]\nName=nimbtest\nDirectories=64x64/actions\n\n"
-                    "[64x64/actions]\nSize=64\nContext=Actions\nType=Scalable\nMinSize=8\nMaxSize=256\n");
+        QVERIFY(index.open(QIODevice::WriteOnly)
+                && index.write("[Icon Theme]\nName=nimbtest\nDirectories=64x64/actions\n\n"
+                               "[64x64/actions]\nSize=64\nContext=Actions\nType=Scalable\nMinSize=8\nMaxSize=256\n") > 0);
         index.close();
         QVERIFY(writeIcon(dir + QStringLiteral("/nimbtest-base.png"), kBase));
         QVERIFY(writeIcon(dir + QStringLiteral("/nimbtest-emblem.png"), kEmblem));
@@ -62,14 +62,12 @@ private slots:
     void registrationNamesTheApplicationAndItsSettings()
     {
         const KAboutData about = KAboutData::applicationData();
-        QCOMPARE(about.componentName(), QStringLiteral("nimb-event-viewer"));
-        QCOMPARE(about.displayName(), QStringLiteral("System events journal"));
-        QCOMPARE(about.version(), QStringLiteral("1.0.0"));
-        QCOMPARE(QCoreApplication::applicationName(), QStringLiteral("nimb-event-viewer"));
-        QCOMPARE(QCoreApplication::applicationVersion(), QStringLiteral("1.0.0"));
-        QCOMPARE(QCoreApplication::organizationName(), QStringLiteral("trelvik"));
-        QCOMPARE(QGuiApplication::applicationDisplayName(), QStringLiteral("System events journal"));
-        QCOMPARE(QGuiApplication::desktopFileName(), QStringLiteral("nimb-event-viewer"));
+        QCOMPARE(QStringList({about.componentName(), about.displayName(), about.version()}),
+                 QStringList({"nimb-event-viewer", "System events journal", "1.0.0"}));
+        QCOMPARE(QStringList({QCoreApplication::applicationName(), QCoreApplication::applicationVersion(),
+                              QCoreApplication::organizationName(), QGuiApplication::applicationDisplayName(),
+                              QGuiApplication::desktopFileName()}),
+                 QStringList({"nimb-event-viewer", "1.0.0", "trelvik", "System events journal", "nimb-event-viewer"}));
         // The settings file is found through these names.
         QVERIFY2(QSettings().fileName().endsWith(QStringLiteral("/trelvik/nimb-event-viewer.conf")),
                  qPrintable(QSettings().fileName()));
@@ -80,8 +78,7 @@ private slots:
         QWidget window;
         NimbHelpMenu help(&window);
         QMenu *menu = help.menu();
-        QVERIFY(menu);
-        QCOMPARE(help.menu(), menu);
+        QVERIFY(menu && help.menu() == menu);
 
         QStringList entries;
         QAction *previous = nullptr;
@@ -110,16 +107,11 @@ private slots:
         QCOMPARE(nimbTranslatorInstall(QStringLiteral("nimb-event-viewer")), russian);
         QVERIFY(!nimbTranslatorInstall(QStringLiteral("nimb-no-such-catalogue")));
         QVERIFY(!nimbTranslatorInstall(QString()));
-        if (russian) {
-            QCOMPARE(QCoreApplication::translate("Dictionary", "error"), QStringLiteral("ошибка"));
-            QCOMPARE(QCoreApplication::translate("Dictionary", "informational"), QStringLiteral("информационное"));
-            QCOMPARE(QObject::tr("warning"), QStringLiteral("предупреждение"));
-            QCOMPARE(QObject::tr("debug"), QStringLiteral("отладка"));
-        } else {
-            QCOMPARE(QCoreApplication::translate("Dictionary", "error"), QStringLiteral("error"));
-            QCOMPARE(QObject::tr("warning"), QStringLiteral("warning"));
-        }
-        QCOMPARE(QObject::tr("not in any catalogue"), QStringLiteral("not in any catalogue"));
+        for (const auto &[context, text, translated] :
+             {std::make_tuple("Dictionary", "error", "ошибка"), std::make_tuple("Dictionary", "informational", "информационное"),
+              std::make_tuple("QObject", "warning", "предупреждение"), std::make_tuple("QObject", "debug", "отладка"),
+              std::make_tuple("QObject", "not in any catalogue", "not in any catalogue")})
+            QCOMPARE(QCoreApplication::translate(context, text), QString::fromUtf8(russian ? translated : text));
     }
 
     void emblemIsPaintedInItsCorner()
@@ -128,36 +120,29 @@ private slots:
         QVERIFY(!plain.isNull());
         QCOMPARE(pixelAt(plain, 32, 1, 30), kBase);
 
-        const QIcon bottomLeft = NimbIcon::withEmblems(QStringLiteral("nimbtest-base"),
-                                                       QStringLiteral("nimbtest-emblem"), Qt::BottomLeftCorner);
+        auto marked = [](const char *base, const char *emblem, Qt::Corner corner) {
+            return NimbIcon::withEmblems(QLatin1String(base), QLatin1String(emblem), corner);
+        };
+        const QIcon bottomLeft = marked("nimbtest-base", "nimbtest-emblem", Qt::BottomLeftCorner);
         QVERIFY(!bottomLeft.isNull());
         for (const int size : {16, 22, 32, 48, 64}) {
-            const int last = size - 1;
-            QCOMPARE(pixelAt(bottomLeft, size, 0, last), kEmblem);
-            QCOMPARE(pixelAt(bottomLeft, size, size / 2 - 1, size / 2), kEmblem);
-            QCOMPARE(pixelAt(bottomLeft, size, 0, 0), kBase);
-            QCOMPARE(pixelAt(bottomLeft, size, last, 0), kBase);
-            QCOMPARE(pixelAt(bottomLeft, size, last, last), kBase);
-            QCOMPARE(pixelAt(bottomLeft, size, size / 2, size / 2 - 1), kBase);
+            const int last = size - 1, half = size / 2;
+            // The emblem fills the corner's quarter and nothing beyond it.
+            for (const QPoint &corner : {QPoint(0, last), QPoint(half - 1, half)})
+                QCOMPARE(pixelAt(bottomLeft, size, corner.x(), corner.y()), kEmblem);
+            for (const QPoint &outside : {QPoint(0, 0), QPoint(last, 0), QPoint(last, last), QPoint(half, half - 1)})
+                QCOMPARE(pixelAt(bottomLeft, size, outside.x(), outside.y()), kBase);
         }
 
-        const QIcon two = NimbIcon::withEmblems(
-            QStringLiteral("nimbtest-base"),
-            {{QStringLiteral("nimbtest-emblem"), Qt::TopRightCorner},
-             {QStringLiteral("nimbtest-emblem"), Qt::BottomRightCorner}});
-        QCOMPARE(pixelAt(two, 32, 31, 0), kEmblem);
-        QCOMPARE(pixelAt(two, 32, 31, 31), kEmblem);
-        QCOMPARE(pixelAt(two, 32, 0, 0), kBase);
-        QCOMPARE(pixelAt(two, 32, 0, 31), kBase);
-        QCOMPARE(pixelAt(NimbIcon::withEmblems(QStringLiteral("nimbtest-base"), QStringLiteral("nimbtest-emblem"),
-                                               Qt::TopLeftCorner), 32, 0, 0), kEmblem);
-
+        const QIcon two = NimbIcon::withEmblems(QStringLiteral("nimbtest-base"),
+                                                {{QStringLiteral("nimbtest-emblem"), Qt::TopRightCorner},
+                                                 {QStringLiteral("nimbtest-emblem"), Qt::BottomRightCorner}});
+        QVERIFY(pixelAt(two, 32, 31, 0) == kEmblem && pixelAt(two, 32, 31, 31) == kEmblem);
+        QVERIFY(pixelAt(two, 32, 0, 0) == kBase && pixelAt(two, 32, 0, 31) == kBase);
+        QCOMPARE(pixelAt(marked("nimbtest-base", "nimbtest-emblem", Qt::TopLeftCorner), 32, 0, 0), kEmblem);
         // Without its emblem the icon is the plain one; without a base, nothing.
-        const QIcon noEmblem = NimbIcon::withEmblems(QStringLiteral("nimbtest-base"),
-                                                     QStringLiteral("nimbtest-missing"), Qt::BottomLeftCorner);
-        QCOMPARE(pixelAt(noEmblem, 32, 0, 31), kBase);
-        QVERIFY(NimbIcon::withEmblems(QStringLiteral("nimbtest-missing"), QStringLiteral("nimbtest-emblem"),
-                                      Qt::BottomLeftCorner).isNull());
+        QCOMPARE(pixelAt(marked("nimbtest-base", "nimbtest-missing", Qt::BottomLeftCorner), 32, 0, 31), kBase);
+        QVERIFY(marked("nimbtest-missing", "nimbtest-emblem", Qt::BottomLeftCorner).isNull());
     }
 
     void desktopThemeIconsAreFoundOutsideThePlatformTheme()
