@@ -49,7 +49,8 @@ private slots:
         // sometimes as text; long integers are tested on their low 32 bits.
         const QVector<std::tuple<const char *, QVariant, bool, const char *>> cases{
             {"pid", 1234, true, "1234"}, {"pid", 0, true, "0"}, {"uid", 1000.0, true, "1000"}, {"uid", "42", true, "42"},
-            {"uid", -1, false, ""}, {"uid", -1.0, false, nullptr}, {"uid", "root", false, ""}, {"gid", QVariant(), false, nullptr},
+            {"uid", -1, false, ""}, {"uid", -1.0, false, nullptr}, {"uid", "root", false, ""},
+            {"gid", QVariant(), false, nullptr},
             {"tally", -2, true, nullptr}, {"unixtime", Q_INT64_C(4294967295), false, ""},
             {"unixtime", 4294967295.0, false, nullptr}, {"end_time", Q_INT64_C(8589934591), false, nullptr},
             {"start_time", -1, false, nullptr}, {"start_time", "yesterday", false, nullptr},
@@ -104,9 +105,9 @@ private slots:
 
     void booleansRenderTheirLeafsWords()
     {
-        for (const auto &[key, yes, no] : {std::make_tuple("onsudo", "yes", "no"), std::make_tuple("result", "success", "failed"),
-                                           std::make_tuple("state", "enabled", "disabled"),
-                                           std::make_tuple("success", "success", "failed")}) {
+        for (const auto &[key, yes, no] :
+             {std::make_tuple("onsudo", "yes", "no"), std::make_tuple("result", "success", "failed"),
+              std::make_tuple("state", "enabled", "disabled"), std::make_tuple("success", "success", "failed")}) {
             QCOMPARE(make(key, true)->toString(), QString::fromLatin1(yes));
             QCOMPARE(make(key, false)->toString(), QString::fromLatin1(no));
             QVERIFY(make(key, false)->isValid());
@@ -128,7 +129,8 @@ private slots:
     void sourcesRenderTheDictionarysText()
     {
         const bool russian = Language::isRussian();
-        QCOMPARE(make("source", QStringLiteral("kernel"))->toString(), russian ? QStringLiteral("Ядро") : QStringLiteral("Kernel"));
+        QCOMPARE(make("source", QStringLiteral("kernel"))->toString(),
+                 russian ? QStringLiteral("Ядро") : QStringLiteral("Kernel"));
         QCOMPARE(make("source", QStringLiteral("sshd"))->toString(),
                  russian ? QStringLiteral("Удалённая оболочка") : QStringLiteral("Remote shell"));
         // Keys are exact; anything the table lacks is its "unrecognized" entry.

@@ -76,7 +76,8 @@ private slots:
         for (const auto &[checkFrom, from, checkTo, to, passes] : cases) {
             FilterPack pack;
             std::tie(pack.checkFrom, pack.from, pack.checkTo, pack.to) = std::tie(checkFrom, from, checkTo, to);
-            QVERIFY2(pack.match(*ten) == passes, qPrintable(from.toString(Qt::ISODateWithMs) + " " + to.toString(Qt::ISODateWithMs)));
+            QVERIFY2(pack.match(*ten) == passes,
+                     qPrintable(from.toString(Qt::ISODateWithMs) + " " + to.toString(Qt::ISODateWithMs)));
         }
     }
 
@@ -333,9 +334,12 @@ private slots:
             const QDateTime time(QDate(2024, 3, 1), QTime(i % 24, i % 60, 0), Qt::OffsetFromUTC, 3 * 3600);
             events.push_back(loginEvent(extra, priorities[i % 8], time.toString(Qt::ISODate).toLatin1()));
         }
-        std::vector<FilterPack> packs{searchFor(QStringLiteral("root"), true), searchFor(QStringLiteral("ROOT"), false, true),
-                                      searchFor(QStringLiteral("root")),       searchFor(QStringLiteral("*")),
-                                      searchFor(QStringLiteral("T1")),         searchFor(QStringLiteral("informational"), true),
+        std::vector<FilterPack> packs{searchFor(QStringLiteral("root"), true),
+                                      searchFor(QStringLiteral("ROOT"), false, true),
+                                      searchFor(QStringLiteral("root")),
+                                      searchFor(QStringLiteral("*")),
+                                      searchFor(QStringLiteral("T1")),
+                                      searchFor(QStringLiteral("informational"), true),
                                       searchFor(QStringLiteral("корень"), true, true)};
         FilterPack combined = searchFor(QStringLiteral("root"), true);
         combined.checkPriorities = combined.checkFrom = true;

@@ -376,8 +376,10 @@ private slots:
         row("unixtime summer 2005", "", R"({"unixtime":1120176000})", "2005-07-01T04:00:00+04:00");
         row("unixtime winter 2005", "", R"({"unixtime":1104537600})", "2005-01-01T03:00:00+03:00");
         row("unixtime 0", "", R"({"unixtime":0})", "1970-01-01T03:00:00+03:00");
-        row("unixtime all ones, end_time", iso, R"({"unixtime":4294967295,"end_time":1325376000})", "2012-01-01T04:00:00+04:00");
-        row("unixtime hex text, end_time", iso, R"({"unixtime":"0xFFFFFFFF","end_time":1104537600})", "2005-01-01T03:00:00+03:00");
+        row("unixtime all ones, end_time", iso, R"({"unixtime":4294967295,"end_time":1325376000})",
+            "2012-01-01T04:00:00+04:00");
+        row("unixtime hex text, end_time", iso, R"({"unixtime":"0xFFFFFFFF","end_time":1104537600})",
+            "2005-01-01T03:00:00+03:00");
         row("unixtime null, end_time", "", R"({"unixtime":null,"end_time":1104537600})", "2005-01-01T03:00:00+03:00");
         row("end_time before the epoch", "", R"({"end_time":-2})", "1970-01-01T02:59:58+03:00");
         row("end_time -1, ISODATE", iso, R"({"end_time":-1,"start_time":1104537600})", "2024-03-01T10:00:00+03:00");
@@ -436,10 +438,11 @@ private slots:
             {"Foo 5 10:00:00", nullptr},  {"jan 5 10:00:00", nullptr},    {"January 5 10:00:00", nullptr},
             {"Jan 5 10:00:00 2024", nullptr}, {"Jan 5", nullptr},         {"Jan 5 10:00", nullptr},
             {"Jan 5 10:00:00:00", nullptr}, {"Jan\t5 10:00:00", nullptr}, {"", nullptr}};
-        for (const auto &[text, time] : cases)
+        for (const auto &[text, time] : cases) {
+            const QString local = QString::number(year) + '-' + QLatin1String(time);
             QTest::newRow(*text ? text : "empty")
-                << QString::fromLatin1(text)
-                << (time ? QDateTime::fromString(QString::number(year) + '-' + QLatin1String(time), Qt::ISODate) : QDateTime());
+                << QString::fromLatin1(text) << (time ? QDateTime::fromString(local, Qt::ISODate) : QDateTime());
+        }
     }
 
     void legacyDates()

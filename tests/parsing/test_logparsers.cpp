@@ -85,10 +85,11 @@ private slots:
         }
     }
 
-    void brokenLinesHaveNoRow()
+    void brokenLinesHaveNoRowAndAMissingFileNoRows()
     {
         const QString path = newPath();
-        fixture::write(path, fixture::line("first") + "\nnot a journal line\n" + fixture::line("third") + "\n");
+        const QByteArray third = fixture::line("third", "warning");
+        fixture::write(path, fixture::line("first") + "\nnot a journal line\n" + third + "\n");
         for (const Make &make : kKinds) {
             auto parser = make(path);
             QCOMPARE(parser->count(), 2);
@@ -96,13 +97,22 @@ private slots:
             QCOMPARE(fixture::ids(parser->load(0, 2).second, &numbers), QStringList({"first", "third"}));
             QCOMPARE(numbers, QVector<quint32>({1, 2}));
         }
+        LogParser parser(path);
+        QCOMPARE(parser.loadSingle(1)->messageId, QStringLiteral("third"));
+        QCOMPARE(QByteArray::fromStdString(parser.loadSingleString(1)), third);
+        QVERIFY(!parser.loadSingle(2) && parser.loadSingleString(-1).empty());
+        QVERIFY(QFile::remove(path));
+        QCOMPARE(parser.count(), -1);
+        QVERIFY(!parser.load(0, 1).first && !parser.loadAll().first);
+        QVERIFY(!parser.loadSingle(0) && parser.loadSingleString(0).empty());
+
         // One line: every inner boundary of four workers falls at the end of the file.
         for (const QByteArray &ending : {QByteArray("\n"), QByteArray()}) {
             const QString single = newPath();
             fixture::write(single, fixture::line("only", "notice", "velmo-usb", QDateTime::currentDateTime()) + ending);
-            FilteringLogParser parser(single);
-            parser.setWorkerCount(4);
-            QCOMPARE(parser.count(), 1);
+            FilteringLogParser split(single);
+            split.setWorkerCount(4);
+            QCOMPARE(split.count(), 1);
             SummaryParser summary(single);
             summary.setWorkerCount(4);
             QCOMPARE(summary.countForSummary().value(Event::Notice).value("velmo-usb").week, 1u);
@@ -271,25 +281,6 @@ private slots:
         QVERIFY(!test("{}\n[1, 2]\n\"text\"\n"));
         QVERIFY(test("\n\n   \n" + fixture::line("a") + "\n"));
         QVERIFY(test("half-written lin\n{\"any\": 1}"));
-    }
-
-    void singleRowsAndAMissingFile()
-    {
-        const QString path = newPath();
-        const QByteArray third = fixture::line("third", "warning");
-        fixture::write(path, fixture::line("first") + "\n{broken\n" + third + "\n");
-        LogParser parser(path);
-        QCOMPARE(parser.loadSingle(1)->messageId, QStringLiteral("third"));
-        QCOMPARE(QByteArray::fromStdString(parser.loadSingleString(1)), third);
-        QVERIFY(!parser.loadSingle(2));
-        QVERIFY(parser.loadSingleString(-1).empty());
-
-        QVERIFY(QFile::remove(path));
-        QCOMPARE(parser.count(), -1);
-        QVERIFY(!parser.load(0, 1).first);
-        QVERIFY(!parser.loadAll().first);
-        QVERIFY(!parser.loadSingle(0));
-        QVERIFY(parser.loadSingleString(0).empty());
     }
 };
 

@@ -108,7 +108,8 @@ private slots:
         QVERIFY(!nimbTranslatorInstall(QStringLiteral("nimb-no-such-catalogue")));
         QVERIFY(!nimbTranslatorInstall(QString()));
         for (const auto &[context, text, translated] :
-             {std::make_tuple("Dictionary", "error", "ошибка"), std::make_tuple("Dictionary", "informational", "информационное"),
+             {std::make_tuple("Dictionary", "error", "ошибка"),
+              std::make_tuple("Dictionary", "informational", "информационное"),
               std::make_tuple("QObject", "warning", "предупреждение"), std::make_tuple("QObject", "debug", "отладка"),
               std::make_tuple("QObject", "not in any catalogue", "not in any catalogue")})
             QCOMPARE(QCoreApplication::translate(context, text), QString::fromUtf8(russian ? translated : text));

@@ -147,7 +147,8 @@ private Q_SLOTS:
         const QJsonObject event = QJsonDocument::fromJson(result.out).object();
         QCOMPARE(event.value("number").toInt(), 5);
         const QJsonArray expected{
-            QJsonArray{"Event name", "Note \"quoted\" with back\\slash and tab\there"}, QJsonArray{"Message ID", "site-note"},
+            QJsonArray{"Event name", "Note \"quoted\" with back\\slash and tab\there"},
+            QJsonArray{"Message ID", "site-note"},
             QJsonArray{"Date and time", "2024-03-05T07:00:00Z"}, QJsonArray{"Event type", "Site scripts"},
             QJsonArray{"Priority", "debug"}, QJsonArray{"Host", "srv-01"}, QJsonArray{"Source", "unrecognized"},
             QJsonArray{"ticket_id", "T-2"}};
@@ -164,10 +165,12 @@ private Q_SLOTS:
             {30 * 60, "warning", "velmo-auth"}, {3 * 3600, "warning", "velmo-auth"}, {3 * 86400, "warning", "velmo-auth"},
             {8 * 86400, "warning", "velmo-auth"}, {-3600, "warning", "velmo-auth"}, {60, "err", "somewhere-else"},
             {60, "Warning", "velmo-auth"}};
-        for (const auto &[secondsAgo, priority, source] : lines)
+        for (const auto &[secondsAgo, priority, source] : lines) {
+            const QString time = now.addSecs(-secondsAgo).toString(Qt::ISODate);
             file.write(QStringLiteral("{\"ISODATE\":\"%1\",\"PRIORITY\":\"%2\",\"MSG\":{\"%3\":{\"message_id\":\"m\"}}}\n")
-                           .arg(now.addSecs(-secondsAgo).toString(Qt::ISODate), QLatin1String(priority), QLatin1String(source))
+                           .arg(time, QLatin1String(priority), QLatin1String(source))
                            .toUtf8());
+        }
         file.close();
 
         const Result result = run({"summary", file.fileName(), "--workers", "2"});
