@@ -221,24 +221,41 @@ bool parseParameterCondition(const QString &assignment, int *type, QVariant *val
 bool build(const QCommandLineParser &parser, FilterPack *pack, QString *error)
 {
     FilterPack result;
-    if (parser.isSet(kFrom)) {
-        if (!readDateTime(parser, kFrom, &result.from, error))
+    // Criteria that take one value and switch their own test on.
+    struct TimeBound {
+        const QString &option;
+        QDateTime FilterPack::*value;
+        bool FilterPack::*check;
+    };
+    const TimeBound bounds[] = {{kFrom, &FilterPack::from, &FilterPack::checkFrom},
+                                {kTo, &FilterPack::to, &FilterPack::checkTo}};
+    for (const TimeBound &bound : bounds) {
+        if (!parser.isSet(bound.option))
+            continue;
+        if (!readDateTime(parser, bound.option, &(result.*bound.value), error))
             return false;
-        result.checkFrom = true;
-    }
-    if (parser.isSet(kTo)) {
-        if (!readDateTime(parser, kTo, &result.to, error))
-            return false;
-        result.checkTo = true;
+        result.*bound.check = true;
     }
     if (result.checkFrom && result.checkTo && result.to < result.from) {
         *error = QStringLiteral("--to is earlier than --from");
         return false;
     }
-    if (parser.isSet(kId)) {
-        if (!readText(parser, kId, &result.id, error))
+    struct TextCriterion {
+        const QString &option;
+        QString FilterPack::*value;
+        bool FilterPack::*check;
+    };
+    const TextCriterion texts[] = {{kId, &FilterPack::id, &FilterPack::checkId},
+                                   {kTypeExcludes, &FilterPack::typeExcludes, &FilterPack::checkTypeExcludes},
+                                   {kNameContains, &FilterPack::nameContains, &FilterPack::checkNameContains},
+                                   {kNameExcludes, &FilterPack::nameExcludes, &FilterPack::checkNameExcludes},
+                                   {kSearch, &FilterPack::search, &FilterPack::checkSearch}};
+    for (const TextCriterion &criterion : texts) {
+        if (!parser.isSet(criterion.option))
+            continue;
+        if (!readText(parser, criterion.option, &(result.*criterion.value), error))
             return false;
-        result.checkId = true;
+        result.*criterion.check = true;
     }
     if (parser.isSet(kType)) {
         const QStringList types = parser.values(kType);
@@ -250,21 +267,6 @@ bool build(const QCommandLineParser &parser, FilterPack *pack, QString *error)
             result.eventTypes.append(type);
         }
         result.checkEventTypes = true;
-    }
-    if (parser.isSet(kTypeExcludes)) {
-        if (!readText(parser, kTypeExcludes, &result.typeExcludes, error))
-            return false;
-        result.checkTypeExcludes = true;
-    }
-    if (parser.isSet(kNameContains)) {
-        if (!readText(parser, kNameContains, &result.nameContains, error))
-            return false;
-        result.checkNameContains = true;
-    }
-    if (parser.isSet(kNameExcludes)) {
-        if (!readText(parser, kNameExcludes, &result.nameExcludes, error))
-            return false;
-        result.checkNameExcludes = true;
     }
     if (parser.isSet(kPriority)) {
         const QStringList values = parser.values(kPriority);
@@ -285,11 +287,6 @@ bool build(const QCommandLineParser &parser, FilterPack *pack, QString *error)
             }
         }
         result.checkPriorities = true;
-    }
-    if (parser.isSet(kSearch)) {
-        if (!readText(parser, kSearch, &result.search, error))
-            return false;
-        result.checkSearch = true;
     }
     if ((parser.isSet(kCaseSensitive) || parser.isSet(kWholeWord)) && !result.checkSearch) {
         *error = QStringLiteral("--case-sensitive and --whole-word refine --search, which is missing");
