@@ -3,12 +3,6 @@
 #include "Event.h"
 #include "NimbTestMain.h"
 
-#include <QCoreApplication>
-#include <QDateTime>
-#include <QFile>
-#include <QStringList>
-#include <QtTest>
-
 #include <vector>
 
 // Journal lines and files for the parsing tests, written as the system logger writes them.
@@ -44,14 +38,12 @@ inline QByteArray journal(int lines, const QString &prefix = QStringLiteral("e")
     QByteArray bytes;
     for (int i = 0; i < lines; ++i) {
         const QString id = prefix + QString::number(i);
-        if (i % 7 == 3) {
-            bytes += "{\"MSG\": broken " + id.toUtf8() + "\n";
-            continue;
-        }
-        bytes += line(id, i % 2 ? "error" : "info", "velmo-auth", QDateTime(QDate(2024, 3, 1), QTime(10, 0), Qt::UTC),
-                      (i * 37) % 300)
-            + '\n';
-        if (valid)
+        const bool broken = i % 7 == 3;
+        bytes += broken ? "{\"MSG\": broken " + id.toUtf8()
+                        : line(id, i % 2 ? "error" : "info", "velmo-auth",
+                               QDateTime(QDate(2024, 3, 1), QTime(10, 0), Qt::UTC), (i * 37) % 300);
+        bytes += '\n';
+        if (valid && !broken)
             valid->append(id);
     }
     return bytes;
@@ -75,13 +67,11 @@ inline QStringList ids(std::vector<Event *> events, QVector<quint32> *numbers = 
 // allocations are invisible to it, so memory they hand between threads would be reported
 // as raced. Reports about our own code are unaffected.
 #if defined(__SANITIZE_THREAD__)
-#define NIMB_PARSING_TSAN_DEFAULTS                                                                          \
-    extern "C" const char *__tsan_default_options() { return "ignore_noninstrumented_modules=1"; }
-#else
-#define NIMB_PARSING_TSAN_DEFAULTS
+extern "C" const char *__tsan_default_options()
+{
+    return "ignore_noninstrumented_modules=1";
+}
 #endif
 
 // The dictionary is built on first use from the system paths.
-#define NIMB_PARSING_TEST_MAIN(TestClass)                                                                   \
-    NIMB_PARSING_TSAN_DEFAULTS                                                                              \
-    NIMB_TEST_MAIN_WITH(TestClass, QCoreApplication, NIMB_TEST_DATA_DIR "/sysroot-engine")
+#define NIMB_PARSING_TEST_MAIN(TestClass) NIMB_TEST_MAIN_WITH(TestClass, QCoreApplication, NIMB_TEST_DATA_DIR "/sysroot-engine")
