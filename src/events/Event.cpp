@@ -94,18 +94,12 @@ QString Event::priorityText() const
     return Dictionary::instance().priorityText(priority);
 }
 
-QVector<Event::Row> Event::parameterList() const
+QVector<Event::Row> Event::detailRows() const
 {
     QVector<Row> rows;
-    rows.reserve(8 + parameters.size() + customParameters.size());
-    rows.append({QCoreApplication::translate("Event", "Event name"), eventName()});
-    rows.append({QCoreApplication::translate("Event", "Message ID"), messageId});
-    rows.append({QCoreApplication::translate("Event", "Date and time"), time.toString(Qt::ISODate)});
-    rows.append({QCoreApplication::translate("Event", "Event type"), typeText()});
-    const QString priorityWord = priorityText();
-    if (!priorityWord.isEmpty())
-        rows.append({QCoreApplication::translate("Event", "Priority"), priorityWord});
+    rows.reserve(parameters.size() + customParameters.size());
     parameters.forEach([&rows](const AuxPar &parameter) {
+        // Time and types have rows of their own at the top.
         const int type = parameter.typeId();
         if (type == AuxParId::Time || type == AuxParId::TypeEn || type == AuxParId::TypeRu)
             return;
@@ -119,6 +113,20 @@ QVector<Event::Row> Event::parameterList() const
     return rows;
 }
 
+QVector<Event::Row> Event::parameterList() const
+{
+    QVector<Row> rows;
+    rows.append({QCoreApplication::translate("Event", "Event name"), eventName()});
+    rows.append({QCoreApplication::translate("Event", "Message ID"), messageId});
+    rows.append({QCoreApplication::translate("Event", "Date and time"), time.toString(Qt::ISODate)});
+    rows.append({QCoreApplication::translate("Event", "Event type"), typeText()});
+    const QString priorityWord = priorityText();
+    if (!priorityWord.isEmpty())
+        rows.append({QCoreApplication::translate("Event", "Priority"), priorityWord});
+    rows.append(detailRows());
+    return rows;
+}
+
 QString Event::copyLine() const
 {
     QStringList fields;
@@ -127,16 +135,8 @@ QString Event::copyLine() const
     if (!priorityWord.isEmpty())
         fields << priorityWord;
     fields << eventName();
-    parameters.forEach([&fields](const AuxPar &parameter) {
-        const int type = parameter.typeId();
-        if (type == AuxParId::Time || type == AuxParId::TypeEn || type == AuxParId::TypeRu)
-            return;
-        if (parameter.isValid())
-            fields << parameter.label() + QStringLiteral(": ") + parameter.toString();
-    });
-    for (auto it = customParameters.cbegin(); it != customParameters.cend(); ++it) {
-        if (!it.value().isEmpty())
-            fields << it.key() + QStringLiteral(": ") + it.value();
-    }
+    const QVector<Row> details = detailRows();
+    for (const Row &row : details)
+        fields << row.first + QStringLiteral(": ") + row.second;
     return fields.join(QLatin1Char('\t'));
 }

@@ -83,6 +83,10 @@ public:
     ParameterMap parameters;
     // Custom parameter name -> text value, for the names the site declared.
     QMap<QString, QString> customParameters;
+
+private:
+    // Label and text of every parameter that carries a value, custom ones last.
+    QVector<Row> detailRows() const;
 };
 
 Q_DECLARE_METATYPE(Event::Priority)
