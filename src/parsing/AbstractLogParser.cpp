@@ -107,18 +107,29 @@ bool AbstractLogParser::lineAt(LineReader &reader, qint64 position, QByteArray *
     return reader.seek(position) && reader.readLine(line);
 }
 
-std::unique_ptr<Event> AbstractLogParser::loadSingle(int index)
+bool AbstractLogParser::readRow(int index, QByteArray *line)
 {
     QFile file;
     if (!openJournal(file))
-        return nullptr;
+        return false;
     scan(file);
     const qint64 row = qint64(indexBase()) + index;
     if (index < 0 || row >= qint64(m_positions.size()))
-        return nullptr;
+        return false;
     LineReader reader(file, LineReader::kPageBlock);
+    const char *data = nullptr;
+    qint64 size = 0;
+    if (!reader.seek(m_positions[static_cast<std::size_t>(row)]) || !reader.readLine(&data, &size))
+        return false;
+    // A copy: the reader's buffer goes with the reader.
+    *line = QByteArray(data, static_cast<int>(size));
+    return true;
+}
+
+std::unique_ptr<Event> AbstractLogParser::loadSingle(int index)
+{
     QByteArray line;
-    if (!lineAt(reader, m_positions[static_cast<std::size_t>(row)], &line))
+    if (!readRow(index, &line))
         return nullptr;
     std::unique_ptr<Event> event = LineParser::parseLine(line);
     if (event)
@@ -128,19 +139,10 @@ std::unique_ptr<Event> AbstractLogParser::loadSingle(int index)
 
 std::string AbstractLogParser::loadSingleString(int index)
 {
-    QFile file;
-    if (!openJournal(file))
+    QByteArray line;
+    if (!readRow(index, &line))
         return std::string();
-    scan(file);
-    const qint64 row = qint64(indexBase()) + index;
-    if (index < 0 || row >= qint64(m_positions.size()))
-        return std::string();
-    LineReader reader(file, LineReader::kPageBlock);
-    const char *data = nullptr;
-    qint64 size = 0;
-    if (!reader.seek(m_positions[static_cast<std::size_t>(row)]) || !reader.readLine(&data, &size))
-        return std::string();
-    return std::string(data, static_cast<std::size_t>(size));
+    return line.toStdString();
 }
 
 std::pair<bool, std::vector<Event *>> AbstractLogParser::load(int first, int n)

@@ -231,6 +231,8 @@ protected:
 
 private:
     bool openJournal(QFile &file);
+    // The raw line of shown row `index`, after taking in growth; false when there is none.
+    bool readRow(int index, QByteArray *line);
     // Reads the line at an absolute position through the reader; false at the end of the data.
     static bool lineAt(LineReader &reader, qint64 position, QByteArray *line);
     std::pair<bool, std::vector<Event *>> loadRows(std::size_t first, std::size_t n, quint32 firstNumber,

@@ -17,13 +17,14 @@ struct Kind {
     CompressedLogFile::Compression compression;
     const char *suffix;
     QByteArray magic;
+    KCompressionDevice::CompressionType deviceType;
 };
 
 const Kind kKinds[] = {
-    {CompressedLogFile::Compression::GZip, ".gz", QByteArray("\x1f\x8b", 2)},
-    {CompressedLogFile::Compression::BZip2, ".bz2", QByteArray("BZh", 3)},
-    {CompressedLogFile::Compression::Xz, ".xz", QByteArray("\xfd" "7zXZ\x00", 6)},
-    {CompressedLogFile::Compression::Zstd, ".zst", QByteArray("\x28\xb5\x2f\xfd", 4)},
+    {CompressedLogFile::Compression::GZip, ".gz", QByteArray("\x1f\x8b", 2), KCompressionDevice::GZip},
+    {CompressedLogFile::Compression::BZip2, ".bz2", QByteArray("BZh", 3), KCompressionDevice::BZip2},
+    {CompressedLogFile::Compression::Xz, ".xz", QByteArray("\xfd" "7zXZ\x00", 6), KCompressionDevice::Xz},
+    {CompressedLogFile::Compression::Zstd, ".zst", QByteArray("\x28\xb5\x2f\xfd", 4), KCompressionDevice::Zstd},
 };
 
 const Kind *kindOf(CompressedLogFile::Compression compression)
@@ -36,19 +37,8 @@ const Kind *kindOf(CompressedLogFile::Compression compression)
 
 KCompressionDevice::CompressionType deviceType(CompressedLogFile::Compression compression)
 {
-    switch (compression) {
-    case CompressedLogFile::Compression::GZip:
-        return KCompressionDevice::GZip;
-    case CompressedLogFile::Compression::BZip2:
-        return KCompressionDevice::BZip2;
-    case CompressedLogFile::Compression::Xz:
-        return KCompressionDevice::Xz;
-    case CompressedLogFile::Compression::Zstd:
-        return KCompressionDevice::Zstd;
-    case CompressedLogFile::Compression::None:
-        break;
-    }
-    return KCompressionDevice::None;
+    const Kind *kind = kindOf(compression);
+    return kind ? kind->deviceType : KCompressionDevice::None;
 }
 
 QString suffixOf(CompressedLogFile::Compression compression)

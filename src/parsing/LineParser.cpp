@@ -169,10 +169,8 @@ QString undefinedText(const QStringList &leftKeys, const QJsonObject &body)
     QStringList parts;
     for (const QString &key : leftKeys) {
         const QJsonValue value = body.value(key);
-        const QString entry = key + QStringLiteral(": ") + (value.isString() ? value.toString() : QString());
-        if (entry.isEmpty() || entry == QLatin1String("\n"))
-            continue;
-        parts.append(entry);
+        // Never empty nor a lone line feed: the key and its separator are always there.
+        parts.append(key + QStringLiteral(": ") + (value.isString() ? value.toString() : QString()));
     }
     return parts.join(QStringLiteral("; "));
 }
@@ -253,6 +251,7 @@ bool LineParser::acceptsLine(const QByteArray &line)
     const QJsonObject &body = frame.body;
     return chooseTime(frame, [&body](int type) { return bodyValue(body, type); }, false).accepted;
 }
+
 QDateTime LineParser::fromEpochSeconds(qint64 seconds)
 {
     // The offset comes straight from the C library: Qt's local-time path serialises
