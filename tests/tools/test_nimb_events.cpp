@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -97,6 +98,23 @@ private Q_SLOTS:
             {"warning", QJsonObject{{"velmo-auth", QJsonObject{{"hour", 1}, {"day", 2}, {"week", 3}}}}},
             {"error", QJsonObject{{"unrecognized", QJsonObject{{"hour", 1}, {"day", 1}, {"week", 1}}}}}};
         QCOMPARE(QJsonDocument::fromJson(run({"summary", file.fileName(), "--workers", "2"}).out).object(), expected);
+    }
+
+    void renderedPageNumbersRowsInOrder()
+    {
+        const Result result = run({"page", kJournal, "--page", "2", "--per-page", "2"});
+        const QList<QByteArray> rendered = result.out.split('\n');
+        const QList<QByteArray> raw = eventLines(2, 2).split('\n');
+        QCOMPARE(rendered.size(), 3);
+        for (int i = 0; i < 2; ++i) {
+            const QJsonObject object = QJsonDocument::fromJson(rendered[i]).object();
+            const QJsonObject msg = QJsonDocument::fromJson(raw[i]).object().value("MSG").toObject();
+            const QJsonObject body = msg.begin().value().toObject();
+            QCOMPARE(object.value("number").toInt(), 3 + i);
+            const QJsonArray rows = object.value("parameters").toArray();
+            QCOMPARE(rows.at(0).toArray(), (QJsonArray{"Event name", body.value("name_en")}));
+            QCOMPARE(rows.at(1).toArray(), (QJsonArray{"Message ID", body.value("message_id")}));
+        }
     }
 
     void compressedRotationPagesAsPlain()
