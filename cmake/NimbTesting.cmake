@@ -1,12 +1,13 @@
-# nimb_add_test(<name> SOURCES <files...> LIBS <targets...> [ENGINE] [RUSSIAN])
+# nimb_add_test(<name> SOURCES <files...> LIBS <targets...> [ENGINE] [THREADS] [RUSSIAN])
 #
 # Every test runs on the offscreen platform with a private HOME/XDG tree so that no
-# test touches the user's settings. ENGINE marks tests of the GUI-free engine; the
-# ThreadSanitizer run selects them by the "engine" label. RUSSIAN registers a second
+# test touches the user's settings. ENGINE marks tests of the GUI-free engine and
+# THREADS interface tests that drive a loader thread; the ThreadSanitizer run selects
+# both by their labels. RUSSIAN registers a second
 # run of the same binary under a Russian system locale (the language rule is
 # decided once per process, so each language needs a process of its own).
 function(nimb_add_test name)
-    cmake_parse_arguments(T "ENGINE;RUSSIAN" "" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(T "ENGINE;THREADS;RUSSIAN" "" "SOURCES;LIBS" ${ARGN})
     add_executable(${name} ${T_SOURCES})
     target_link_libraries(${name} PRIVATE Qt5::Test ${T_LIBS})
     target_compile_definitions(${name} PRIVATE
@@ -15,6 +16,9 @@ function(nimb_add_test name)
     set(labels unit)
     if(T_ENGINE)
         list(APPEND labels engine)
+    endif()
+    if(T_THREADS)
+        list(APPEND labels threads)
     endif()
     set(env
         "QT_QPA_PLATFORM=offscreen"

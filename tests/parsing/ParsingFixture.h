@@ -63,15 +63,7 @@ inline QStringList ids(std::vector<Event *> events, QVector<quint32> *numbers = 
 }
 }
 
-// Qt and the C library are not built for ThreadSanitizer: their locks, event queues and
-// allocations are invisible to it, so memory they hand between threads would be reported
-// as raced. Reports about our own code are unaffected.
-#if defined(__SANITIZE_THREAD__)
-extern "C" const char *__tsan_default_options()
-{
-    return "ignore_noninstrumented_modules=1";
-}
-#endif
+#include "TsanDefaults.h"
 
 // The dictionary is built on first use from the system paths.
 #define NIMB_PARSING_TEST_MAIN(TestClass) NIMB_TEST_MAIN_WITH(TestClass, QCoreApplication, NIMB_TEST_DATA_DIR "/sysroot-engine")

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+
+class Event;
+class FilterPack;
+
+namespace Ui
+{
+class BottomWidget;
+}
+
+// The panel under a tab's table: the selected event's parameters and the criteria
+// of the tab's filter.
+class BottomWidget : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit BottomWidget(QWidget *parent = nullptr);
+    ~BottomWidget() override;
+
+    // Null clears the parameter table.
+    void showEventDetails(const Event *event);
+    // One row per active criterion; an unfiltered tab passes a default pack.
+    void showFilter(const FilterPack &filter);
+
+private:
+    std::unique_ptr<Ui::BottomWidget> ui;
+};

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QTableView>
+
+// The events table. Tells its owner where it is, so that the loading overlay can
+// cover it, and asks for details on Return/Enter.
+class EventsView : public QTableView
+{
+    Q_OBJECT
+public:
+    explicit EventsView(QWidget *parent = nullptr);
+
+Q_SIGNALS:
+    void geometryChanged(int x, int y, int width, int height);
+    void showDetailsRequest();
+
+protected:
+    void moveEvent(QMoveEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+};

@@ -1,0 +1,459 @@
+#include "LogWidget.h"
+
+#include "AsyncLoader.h"
+#include "BottomWidget.h"
+#include "CompressedLogFile.h"
+#include "ConfigStore.h"
+#include "EventGenerator.h"
+#include "EventsModel.h"
+#include "EventsView.h"
+#include "FilteringLogParser.h"
+#include "LoadWarning.h"
+#include "LogParser.h"
+#include "PageWidget.h"
+
+#include "ui_LogWidget.h"
+
+#include <QMenu>
+#include <QScrollBar>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace
+{
+// Short counts and page loads (a followed journal growing, a page turned) finish
+// before the overlay would be noticed; it only appears for work that lasts.
+constexpr int kOverlayDelayMs = 150;
+}
+
+LogWidget::LogWidget(const QString &path, const QList<QAction *> &contextActions, QWidget *parent)
+    : QWidget(parent), ui(std::make_unique<Ui::LogWidget>()), m_path(path),
+      m_file(std::make_unique<CompressedLogFile>(path))
+{
+    m_parser = std::make_unique<LogParser>(m_file->readablePath());
+    init(contextActions);
+}
+
+LogWidget::LogWidget(const QString &path, const FilterPack &filter, const QList<QAction *> &contextActions,
+                     QWidget *parent)
+    : QWidget(parent), ui(std::make_unique<Ui::LogWidget>()), m_path(path),
+      m_file(std::make_unique<CompressedLogFile>(path)), m_filtered(true), m_filter(filter)
+{
+    auto parser = std::make_unique<FilteringLogParser>(m_file->readablePath());
+    parser->setFilter(filter);
+    m_parser = std::move(parser);
+    init(contextActions);
+}
+
+LogWidget::~LogWidget()
+{
+    stopLoader();
+    // Pages the loader sent before it stopped still own their events.
+    QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+}
+
+void LogWidget::init(const QList<QAction *> &contextActions)
+{
+    ui->setupUi(this);
+    m_contextActions = contextActions;
+
+    m_model = new EventsModel(this);
+    ui->eventsView->setModel(m_model);
+    ui->bottomWidget->showFilter(m_filter);
+    ui->splitter->setStretchFactor(0, 3);
+    ui->splitter->setStretchFactor(1, 1);
+    setVisibleColumns({}, {});
+
+    m_loadWarning = new LoadWarning(ui->verticalLayoutWidget);
+    connect(ui->eventsView, &EventsView::geometryChanged, m_loadWarning, &LoadWarning::placeOver);
+    m_overlayDelay = new QTimer(this);
+    m_overlayDelay->setSingleShot(true);
+    m_overlayDelay->setInterval(kOverlayDelayMs);
+    connect(m_overlayDelay, &QTimer::timeout, this, [this] {
+        if (isLoading()) {
+            m_loadWarning->setGeometry(ui->eventsView->geometry());
+            m_loadWarning->show();
+            m_loadWarning->raise();
+        }
+    });
+
+    m_loader = std::make_unique<AsyncLoader>(m_parser.get());
+    m_loader->moveToThread(&m_thread);
+    m_generator = new EventGenerator(m_loader.get(), this);
+    connect(this, &LogWidget::countRequest, m_loader.get(), &AsyncLoader::asyncCount);
+    connect(this, &LogWidget::loadRequest, m_loader.get(), &AsyncLoader::asyncLoad);
+    connect(m_loader.get(), &AsyncLoader::countFinished, this, &LogWidget::onCountFinished);
+    connect(m_loader.get(), &AsyncLoader::loadFinished, this, &LogWidget::onLoadFinished);
+    connect(m_loader.get(), &AsyncLoader::loadFailed, this, &LogWidget::onLoadFailed);
+    connect(m_loader.get(), &AsyncLoader::percentRead, this, &LogWidget::onPercentRead);
+    m_thread.setObjectName(QStringLiteral("loader"));
+    m_thread.start();
+
+    connect(ui->pageWidget, &PageWidget::pageChanged, this, [this](int page) {
+        if (!m_updatingPages)
+            requestPage(page);
+    });
+    connect(ui->eventsView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { emit selectionChanged(ui->eventsView->selectionModel()->hasSelection()); });
+    connect(ui->eventsView->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            &LogWidget::onCurrentRowChanged);
+    // A reset drops the selection without telling anyone.
+    connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
+        emit selectionChanged(ui->eventsView->selectionModel()->hasSelection());
+    });
+    connect(ui->eventsView, &EventsView::showDetailsRequest, this, &LogWidget::requestDetails);
+    connect(ui->eventsView, &QAbstractItemView::doubleClicked, this, &LogWidget::requestDetails);
+    connect(ui->eventsView, &QWidget::customContextMenuRequested, this, [this](const QPoint &pos) {
+        if (m_contextActions.isEmpty() || !ui->eventsView->indexAt(pos).isValid())
+            return;
+        emit contextMenuAboutToShow();
+        QMenu menu(this);
+        menu.addActions(m_contextActions);
+        menu.exec(ui->eventsView->viewport()->mapToGlobal(pos));
+    });
+}
+
+QString LogWidget::readablePath() const
+{
+    return m_file->readablePath();
+}
+
+EventsView *LogWidget::view() const
+{
+    return ui->eventsView;
+}
+
+PageWidget *LogWidget::pageWidget() const
+{
+    return ui->pageWidget;
+}
+
+BottomWidget *LogWidget::bottomWidget() const
+{
+    return ui->bottomWidget;
+}
+
+template<typename Call>
+void LogWidget::onLoaderThread(Call call)
+{
+    QMetaObject::invokeMethod(m_loader.get(), std::move(call), Qt::QueuedConnection);
+}
+
+void LogWidget::refresh()
+{
+    if (m_stopped)
+        return;
+    if (!m_parser->isJournal()) {
+        const QString message = tr("Can't open log file.");
+        setEventsAreaVisible(false, message);
+        setFeedback(message);
+        return;
+    }
+    setEventsAreaVisible(true);
+    requestCount();
+}
+
+void LogWidget::reload()
+{
+    refresh();
+}
+
+void LogWidget::setFilter(const FilterPack &filter)
+{
+    if (!m_filtered || m_stopped)
+        return;
+    m_filter = filter;
+    ui->bottomWidget->showFilter(filter);
+    ui->bottomWidget->showEventDetails(nullptr);
+    m_model->clear();
+    m_nextLoad.reset();
+    auto *parser = static_cast<FilteringLogParser *>(m_parser.get());
+    onLoaderThread([parser, filter] { parser->setFilter(filter); });
+    refresh();
+    // A new filter means a full scan: say so at once.
+    if (isLoading()) {
+        m_overlayDelay->stop();
+        m_loadWarning->setGeometry(ui->eventsView->geometry());
+        m_loadWarning->show();
+        m_loadWarning->raise();
+    }
+}
+
+void LogWidget::clearTable()
+{
+    if (m_stopped)
+        return;
+    m_cleared = true;
+    AbstractLogParser *parser = m_parser.get();
+    onLoaderThread([parser] { parser->hideCounted(); });
+    refresh();
+}
+
+void LogWidget::restoreTable()
+{
+    if (m_stopped)
+        return;
+    AbstractLogParser *parser = m_parser.get();
+    onLoaderThread([parser] { parser->showAll(); });
+    refresh();
+    m_cleared = false;
+}
+
+void LogWidget::setBusy(bool busy)
+{
+    if (QThread::currentThread() == thread())
+        applyExternalBusy(busy);
+    else
+        QMetaObject::invokeMethod(this, [this, busy] { applyExternalBusy(busy); }, Qt::QueuedConnection);
+}
+
+void LogWidget::applyExternalBusy(bool busy)
+{
+    const bool was = isLoading();
+    m_externalBusy = std::max(0, m_externalBusy + (busy ? 1 : -1));
+    busyChanged(was);
+}
+
+QList<const Event *> LogWidget::selectedEvents() const
+{
+    QModelIndexList rows = ui->eventsView->selectionModel()->selectedRows();
+    std::sort(rows.begin(), rows.end(), [](const QModelIndex &a, const QModelIndex &b) { return a.row() < b.row(); });
+    QList<const Event *> events;
+    for (const QModelIndex &index : qAsConst(rows))
+        if (const Event *event = m_model->event(index.row()))
+            events.append(event);
+    return events;
+}
+
+const Event *LogWidget::currentEvent() const
+{
+    const QModelIndexList rows = ui->eventsView->selectionModel()->selectedRows();
+    return rows.size() == 1 ? m_model->event(rows.first().row()) : nullptr;
+}
+
+void LogWidget::setBottomVisible(bool visible)
+{
+    ui->bottomWidget->setVisible(visible);
+}
+
+void LogWidget::setVisibleColumns(const QSet<int> &auxTypes, const QSet<QString> &customNames)
+{
+    for (int column = m_model->firstAuxColumn(); column < m_model->columnCount(); ++column) {
+        const int type = m_model->typeOfColumn(column);
+        const bool shown = type >= 0 ? auxTypes.contains(type) : customNames.contains(m_model->nameOfColumn(column));
+        ui->eventsView->setColumnHidden(column, !shown);
+    }
+}
+
+void LogWidget::stopLoader()
+{
+    if (m_stopped)
+        return;
+    m_stopped = true;
+    // A long scan would otherwise hold the thread until it ends.
+    m_parser->setStopFlag(true);
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void LogWidget::requestCount()
+{
+    if (m_pendingCount) {
+        // Whatever changed meanwhile is read by one more count after this one.
+        m_countAgain = true;
+        return;
+    }
+    const bool was = isLoading();
+    m_pendingCount = true;
+    m_percent = 0;
+    m_loadWarning->setPercent(0);
+    emit countRequest();
+    busyChanged(was);
+}
+
+std::pair<int, int> LogWidget::pageRange(int page) const
+{
+    const int perPage = std::max(1, ConfigStore::instance().messagesPerPage());
+    const int count = std::max(0, m_count);
+    const int last = ui->pageWidget->pagesCount();
+    const int rest = count % perPage;
+    const int first = (page - 1) * perPage;
+    if (page != last)
+        return {first, perPage};
+    return {first, rest != 0 ? rest : perPage};
+}
+
+void LogWidget::requestPage(int page)
+{
+    if (m_stopped)
+        return;
+    const std::pair<int, int> range = pageRange(page);
+    if (m_pendingLoad) {
+        // Only the newest page asked for is worth reading.
+        m_nextLoad = range;
+        return;
+    }
+    const bool was = isLoading();
+    m_pendingLoad = true;
+    emit loadRequest(range.first, range.second);
+    busyChanged(was);
+}
+
+void LogWidget::onCountFinished(int count)
+{
+    const bool was = isLoading();
+    m_pendingCount = false;
+    if (m_stopped) {
+        busyChanged(was);
+        return;
+    }
+    if (count < 0) {
+        m_count = -1;
+        m_generator->setCount(0);
+        const QString message = tr("Can't open log file.");
+        setEventsAreaVisible(false, message);
+        setFeedback(message);
+    } else {
+        m_count = count;
+        m_generator->setCount(count);
+        setFeedback(tr("Events: ") + QString::number(count));
+
+        const int perPage = std::max(1, ConfigStore::instance().messagesPerPage());
+        const int full = count / perPage;
+        const int pages = (count % perPage == 0 && full > 0) ? full : full + 1;
+        const QScrollBar *bar = ui->eventsView->verticalScrollBar();
+        const bool atBottom = ui->pageWidget->page() == ui->pageWidget->pagesCount() && bar->value() == bar->maximum();
+        m_updatingPages = true;
+        ui->pageWidget->setPagesCount(pages);
+        if (m_following || atBottom)
+            ui->pageWidget->setPage(pages);
+        m_updatingPages = false;
+        m_stickToBottom = m_following || atBottom;
+        requestPage(ui->pageWidget->page());
+    }
+    if (m_countAgain) {
+        m_countAgain = false;
+        requestCount();
+    }
+    busyChanged(was);
+}
+
+void LogWidget::onLoadFinished(std::vector<Event *> events)
+{
+    const bool was = isLoading();
+    m_pendingLoad = false;
+    if (m_stopped || m_nextLoad) {
+        for (Event *event : events)
+            delete event;
+        if (m_nextLoad && !m_stopped) {
+            const std::pair<int, int> next = *m_nextLoad;
+            m_nextLoad.reset();
+            m_pendingLoad = true;
+            emit loadRequest(next.first, next.second);
+        }
+        busyChanged(was);
+        return;
+    }
+    showPage(std::move(events));
+    busyChanged(was);
+}
+
+void LogWidget::showPage(std::vector<Event *> events)
+{
+    EventsView *view = ui->eventsView;
+    // The same events keep their selection and place when a page is read again,
+    // as it is each time a followed journal grows.
+    QSet<quint32> selected;
+    for (const Event *event : selectedEvents())
+        selected.insert(event->number);
+    const Event *current = m_model->event(view->currentIndex().row());
+    const quint32 currentNumber = current ? current->number : 0;
+    const int scroll = view->verticalScrollBar()->value();
+    const quint32 firstBefore = m_model->rowCount() > 0 ? m_model->event(0)->number : 0;
+
+    m_model->setEvents(std::move(events));
+
+    const quint32 firstAfter = m_model->rowCount() > 0 ? m_model->event(0)->number : 0;
+    QItemSelection selection;
+    for (int row = 0; row < m_model->rowCount(); ++row) {
+        const quint32 number = m_model->event(row)->number;
+        if (selected.contains(number))
+            selection.select(m_model->index(row, 0), m_model->index(row, m_model->columnCount() - 1));
+        if (number == currentNumber && currentNumber != 0)
+            view->selectionModel()->setCurrentIndex(m_model->index(row, 0), QItemSelectionModel::NoUpdate);
+    }
+    if (!selection.isEmpty())
+        view->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    if (m_stickToBottom)
+        view->scrollToBottom();
+    else if (firstBefore == firstAfter && firstAfter != 0)
+        view->verticalScrollBar()->setValue(scroll);
+    m_stickToBottom = false;
+    onCurrentRowChanged();
+}
+
+void LogWidget::onLoadFailed()
+{
+    const bool was = isLoading();
+    m_pendingLoad = false;
+    m_nextLoad.reset();
+    if (!m_stopped) {
+        const QString message = tr("Events loading failed.");
+        setEventsAreaVisible(false, message);
+        setFeedback(message);
+    }
+    busyChanged(was);
+}
+
+void LogWidget::onPercentRead(int percent)
+{
+    m_percent = percent;
+    m_loadWarning->setPercent(percent);
+    emit feedbackRequest(m_feedback);
+}
+
+void LogWidget::onCurrentRowChanged()
+{
+    const QModelIndex current = ui->eventsView->currentIndex();
+    const Event *event = current.isValid() && ui->eventsView->selectionModel()->isRowSelected(current.row(), {})
+                             ? m_model->event(current.row())
+                             : nullptr;
+    ui->bottomWidget->showEventDetails(event);
+}
+
+void LogWidget::requestDetails()
+{
+    const QModelIndex current = ui->eventsView->currentIndex();
+    const Event *event = current.isValid() ? m_model->event(current.row()) : nullptr;
+    if (event && event->number > 0)
+        emit showDetails(m_generator, static_cast<int>(event->number) - 1);
+}
+
+void LogWidget::setFeedback(const QString &text)
+{
+    m_feedback = text;
+    emit feedbackRequest(text);
+}
+
+void LogWidget::setEventsAreaVisible(bool visible, const QString &message)
+{
+    ui->splitter->setVisible(visible);
+    ui->messageLabel->setText(message);
+    ui->messageLabel->setVisible(!visible);
+}
+
+void LogWidget::busyChanged(bool wasLoading)
+{
+    const bool loading = isLoading();
+    if (loading == wasLoading)
+        return;
+    if (loading) {
+        m_overlayDelay->start();
+    } else {
+        m_overlayDelay->stop();
+        m_loadWarning->hide();
+        emit loadingFinished();
+    }
+    emit feedbackRequest(m_feedback);
+}

@@ -1,0 +1,173 @@
+#pragma once
+
+#include "FilterPack.h"
+
+#include <QList>
+#include <QSet>
+#include <QString>
+#include <QThread>
+#include <QWidget>
+
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+class AbstractLogParser;
+class AsyncLoader;
+class BottomWidget;
+class CompressedLogFile;
+class Event;
+class EventGenerator;
+class EventsModel;
+class EventsView;
+class LoadWarning;
+class PageWidget;
+class QAction;
+class QTimer;
+
+namespace Ui
+{
+class LogWidget;
+}
+
+// One journal tab: the events table with its pager over the bottom panel. Owns the
+// log's parser and a loader thread; counts the log, pages it by the configured page
+// size and shows the rows of the current page.
+class LogWidget : public QWidget
+{
+    Q_OBJECT
+public:
+    // An unfiltered tab. `contextActions` make up the table's context menu.
+    LogWidget(const QString &path, const QList<QAction *> &contextActions, QWidget *parent = nullptr);
+    // A filtered tab.
+    LogWidget(const QString &path, const FilterPack &filter, const QList<QAction *> &contextActions,
+              QWidget *parent = nullptr);
+    ~LogWidget() override;
+
+    // The path the tab was opened on, and the one its parser reads (a private
+    // unpacked copy for a compressed rotation).
+    QString logPath() const { return m_path; }
+    QString readablePath() const;
+
+    bool isFiltered() const { return m_filtered; }
+    const FilterPack &filter() const { return m_filter; }
+    // Refilters a filtered tab in place: new criteria in the bottom panel, an empty
+    // table, then a full count.
+    void setFilter(const FilterPack &filter);
+
+    // Hides every event counted so far; later lines are shown from row 1 on.
+    void clearTable();
+    // Shows every line again.
+    void restoreTable();
+    bool isCleared() const { return m_cleared; }
+
+    // A count or page load is under way, or another thread's job holds the tab.
+    bool isLoading() const { return m_pendingCount || m_pendingLoad || m_externalBusy > 0; }
+    int percent() const { return m_percent; }
+    QString feedbackText() const { return m_feedback; }
+    // The last count received; -1 before the first or when the file cannot be read.
+    int eventCount() const { return m_count; }
+
+    // Holds the tab busy for a job of another thread (export, printing). Safe to call
+    // from any thread; the change reaches the widget through its event loop.
+    void setBusy(bool busy);
+
+    // The selected events of the current page, in row order.
+    QList<const Event *> selectedEvents() const;
+    // The single selected event; null for no selection or several.
+    const Event *currentEvent() const;
+    const EventGenerator *eventGenerator() const { return m_generator; }
+
+    EventsModel *model() const { return m_model; }
+    EventsView *view() const;
+    PageWidget *pageWidget() const;
+    BottomWidget *bottomWidget() const;
+    AbstractLogParser *parser() const { return m_parser.get(); }
+    AsyncLoader *loader() const { return m_loader.get(); }
+
+    void setBottomVisible(bool visible);
+    // Shows the fixed columns and exactly the auxiliary columns of these kinds and
+    // custom parameter names.
+    void setVisibleColumns(const QSet<int> &auxTypes, const QSet<QString> &customNames);
+
+    // Stops the loader thread (a running scan is cut short); the tab serves no
+    // requests afterwards. Called before destruction at the latest.
+    void stopLoader();
+
+public Q_SLOTS:
+    // Tests the file; shows the table and counts when it is a journal, otherwise
+    // hides the table and reports "Can't open log file.".
+    void refresh();
+    // Takes a changed page size into account.
+    void reload();
+
+Q_SIGNALS:
+    void countRequest();
+    void loadRequest(int position, int count);
+    // The feedback text or the loading state changed.
+    void feedbackRequest(const QString &text);
+    void selectionChanged(bool selected);
+    void showDetails(const EventGenerator *generator, int position);
+    // The tab left its loading state.
+    void loadingFinished();
+    // The table's context menu is about to open with the actions the tab was given;
+    // receivers adjust their state (enabled, visible) for the current event first.
+    void contextMenuAboutToShow();
+
+protected:
+    // Whether new counts move the view to the newest page.
+    bool following() const { return m_following; }
+    void setFollowing(bool following) { m_following = following; }
+
+private:
+    void init(const QList<QAction *> &contextActions);
+    void requestCount();
+    void requestPage(int page);
+    std::pair<int, int> pageRange(int page) const;
+    void onCountFinished(int count);
+    void onLoadFinished(std::vector<Event *> events);
+    void showPage(std::vector<Event *> events);
+    void onLoadFailed();
+    void onPercentRead(int percent);
+    void onCurrentRowChanged();
+    void requestDetails();
+    void setFeedback(const QString &text);
+    void setEventsAreaVisible(bool visible, const QString &message = QString());
+    void busyChanged(bool wasLoading);
+    void applyExternalBusy(bool busy);
+    // Runs `call` on the loader thread, after what was queued before it.
+    template<typename Call>
+    void onLoaderThread(Call call);
+
+    std::unique_ptr<Ui::LogWidget> ui;
+    QString m_path;
+    std::unique_ptr<CompressedLogFile> m_file;
+    bool m_filtered = false;
+    FilterPack m_filter;
+    std::unique_ptr<AbstractLogParser> m_parser;
+    std::unique_ptr<AsyncLoader> m_loader;
+    QThread m_thread;
+    EventGenerator *m_generator = nullptr;
+    EventsModel *m_model = nullptr;
+    LoadWarning *m_loadWarning = nullptr;
+    QTimer *m_overlayDelay = nullptr;
+    QList<QAction *> m_contextActions;
+
+    int m_count = -1;
+    int m_percent = 0;
+    QString m_feedback;
+    bool m_cleared = false;
+    bool m_following = false;
+    bool m_stopped = false;
+    int m_externalBusy = 0;
+    // At most one count and one page load are in flight; what is asked meanwhile
+    // waits for them (a count runs again, the newest page is read next).
+    bool m_pendingCount = false;
+    bool m_countAgain = false;
+    bool m_pendingLoad = false;
+    std::optional<std::pair<int, int>> m_nextLoad;
+    bool m_updatingPages = false;
+    // The next page shown is scrolled to its end (the newest events).
+    bool m_stickToBottom = false;
+};
