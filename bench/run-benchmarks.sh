@@ -1,19 +1,31 @@
 #!/usr/bin/env bash
 # Builds the tools in Release (build-bench), generates journals of 200 MB and 1 GB into
 # bench/out (kept for the next run as long as the seed is the same) and prints one
-# Markdown table of wall times, also written to bench/out/results.md.
+# Markdown table per journal, also written to bench/out/results.md.
 #
-# Environment: BENCH_SEED (journal seed), BENCH_SIZES (e.g. "50M 200M"),
-# BENCH_BUILD_DIR, BENCH_SKIP_BUILD=1 (reuse the binaries as they are).
+# Environment:
+#   BENCH_SEED          journal seed
+#   BENCH_SIZES         journal sizes, e.g. "50M 200M" (default "200M 1G")
+#   BENCH_RUNS          runs of each measurement; the table shows medians (default 3)
+#   BENCH_BUILD_DIR     Release tree to build and measure
+#   BENCH_SKIP_BUILD=1  reuse the binaries as they are
+#   BENCH_BASELINE_DIR  a directory with nimb-events and nimb-bench of an earlier
+#                       version: each measurement then runs both, alternately, and the
+#                       table shows them side by side
+#   BENCH_SKIP_JQ=1     leave out the jq comparison (slow on large journals)
+#   BENCH_RESULTS       a further file to write the tables to
 #
 # Times are wall-clock times with a warm page cache. Other work on the machine shows
-# directly in them: the load average is printed with the table.
+# directly in them: the load average is printed with the table, and processor times
+# (user+system) beside the wall times show the work itself.
 set -euo pipefail
 
 ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 BUILD=${BENCH_BUILD_DIR:-$ROOT/build-bench}
 OUT=$ROOT/bench/out
 SEED=${BENCH_SEED:-20240301}
+RUNS=${BENCH_RUNS:-3}
+BASELINE=${BENCH_BASELINE_DIR:-}
 read -r -a SIZES <<<"${BENCH_SIZES:-200M 1G}"
 # A typical filter: the more severe priorities and a word of the event name.
 FILTER=(--priority notice,warning,error,critical,alert,emergency --name-contains user)
@@ -81,47 +93,50 @@ journal() {
     printf '%s' "$file"
 }
 
-# Milliseconds of wall time of one run of a shell command; its output is kept in
-# $OUT/last.out and its processor time in $OUT/last.cpu. -1 when the command fails.
+# One run of a shell command: "wall_ms cpu_ms peak_kb", its output in $1.out. A failed
+# command gives a wall time of -1.
 run_once() {
-    local start end
+    local tag=$1 command=$2 start end
     start=$(date +%s%N)
-    if ! /usr/bin/time -f '%U %S' -o "$OUT/last.cpu" bash -c "$1" >"$OUT/last.out" 2>"$OUT/last.err"; then
-        log "failed: $1"
-        sed 's/^/    /' "$OUT/last.err" >&2
-        echo -1
+    if ! /usr/bin/time -f '%U %S %M' -o "$OUT/$tag.time" bash -c "$command" >"$OUT/$tag.out" 2>"$OUT/$tag.err"; then
+        log "failed: $command"
+        sed 's/^/    /' "$OUT/$tag.err" >&2
+        echo "-1 -1 0"
         return
     fi
     end=$(date +%s%N)
-    echo $(((end - start) / 1000000))
+    awk -v wall=$(((end - start) / 1000000)) '{ printf "%d %d %d", wall, ($1 + $2) * 1000, $3 }' "$OUT/$tag.time"
 }
 
-best_of() {
-    local runs=$1 command=$2 best=-1 t i
-    for ((i = 0; i < runs; i++)); do
-        t=$(run_once "$command")
-        if ((t >= 0 && (best < 0 || t < best))); then
-            best=$t
-            awk '{ printf "%d", ($1 + $2) * 1000 }' "$OUT/last.cpu" >"$OUT/best.cpu"
+median() { sort -n | awk '{ v[NR] = $1 } END { if (NR == 0) print -1; else print v[int((NR + 1) / 2)] }'; }
+
+# measure KEY COMMAND [BASELINE_COMMAND]: RUNS runs of each, alternating; medians of
+# wall time, processor time and peak memory into R[...,KEY], R[...,KEY_cpu] ...; the
+# before side under KEY_before. The output of the last run stays in $OUT/KEY.out.
+measure() {
+    local key=$1 command=$2 baseline=${3:-} i result
+    : >"$OUT/$key.runs"
+    : >"$OUT/$key.before.runs"
+    for ((i = 0; i < RUNS; i++)); do
+        if [[ -n $baseline ]]; then
+            run_once "$key.before" "$baseline" >>"$OUT/$key.before.runs"
+            echo >>"$OUT/$key.before.runs"
         fi
+        run_once "$key" "$command" >>"$OUT/$key.runs"
+        echo >>"$OUT/$key.runs"
     done
-    echo "$best"
+    for side in "" .before; do
+        [[ -s $OUT/$key$side.runs && ( -z $side || -n $baseline ) ]] || continue
+        local name=$key${side/./_}
+        R[$SIZE,$name]=$(cut -d' ' -f1 "$OUT/$key$side.runs" | median)
+        R[$SIZE,${name}_cpu]=$(cut -d' ' -f2 "$OUT/$key$side.runs" | median)
+        R[$SIZE,${name}_kb]=$(cut -d' ' -f3 "$OUT/$key$side.runs" | median)
+        R[$SIZE,${name}_all]=$(cut -d' ' -f1 "$OUT/$key$side.runs" | tr '\n' ' ')
+        R[$SIZE,${name}_out]=$(tr -d ' \n' <"$OUT/$key$side.out" | head -c 40)
+    done
 }
 
 quote() { printf '%q ' "$@"; }
-
-seconds() {
-    if (($1 < 0)); then
-        printf 'failed'
-    else
-        awk -v ms="$1" 'BEGIN { printf "%.2f s", ms / 1000 }'
-    fi
-}
-
-ratio() {
-    awk -v a="$1" -v b="$2" 'BEGIN { if (a <= 0 || b <= 0) printf "n/a"; else printf "%.2f×", a / b }'
-}
-
 value_of() { sed -n "s/^$1=//p" "$2"; }
 
 build
@@ -129,122 +144,150 @@ EVENTS=$(binary nimb-events)
 BENCH=$(binary nimb-bench)
 FLOOR=$(binary nimb-json-floor)
 GEN=$(binary nimb-gen-journal)
+if [[ -n $BASELINE ]]; then
+    OLD_EVENTS=$BASELINE/nimb-events
+    OLD_BENCH=$BASELINE/nimb-bench
+    [[ -x $OLD_EVENTS && -x $OLD_BENCH ]] || { log "no nimb-events and nimb-bench in $BASELINE"; exit 1; }
+fi
 
-declare -A R
-for size in "${SIZES[@]}"; do
-    file=$(journal "$size")
-    runs=2
-    [[ $size == *G ]] && runs=1
-    q=$(quote "$file")
-    log "Measuring $size ($(stat -c %s "$file") bytes, best of $runs) ..."
-
-    R[$size,wc]=$(best_of "$runs" "wc -l < $q")
-    R[$size,lines]=$(tr -d ' ' <"$OUT/last.out")
-
-    R[$size,floor]=$(best_of "$runs" "$(quote "$FLOOR" "$file")")
-    R[$size,floor_count]=$(cat "$OUT/last.out")
-    R[$size,floor_cpu]=$(cat "$OUT/best.cpu")
-
-    R[$size,count]=$(best_of "$runs" "/usr/bin/time -v -o $(quote "$OUT/time.txt") $(quote "$EVENTS" count "$file")")
-    R[$size,count_cpu]=$(cat "$OUT/best.cpu")
-    R[$size,events]=$(cat "$OUT/last.out")
-    R[$size,rss_kb]=$(sed -n 's/^[[:space:]]*Maximum resident set size (kbytes): //p' "$OUT/time.txt")
-
-    best_grow=-1
-    for ((i = 0; i < runs; i++)); do
-        if "$BENCH" "$file" --generator "$GEN" --seed $((SEED + 1)) >"$OUT/bench.out" 2>"$OUT/bench.err"; then
-            grow=$(value_of grown_count_ms "$OUT/bench.out")
-            if [[ $best_grow == -1 ]] || awk -v a="$grow" -v b="$best_grow" 'BEGIN { exit !(a < b) }'; then
-                best_grow=$grow
-                cp "$OUT/bench.out" "$OUT/bench-$size.out"
-            fi
+# The in-process figures of nimb-bench (count after growth, pages, index size), median of
+# RUNS runs by the grown count's time; the journal is cut back after each run.
+grow_bench() {
+    local key=$1 tool=$2 file=$3 i
+    : >"$OUT/$key.grow"
+    for ((i = 0; i < RUNS; i++)); do
+        if "$tool" "$file" --generator "$GEN" --seed $((SEED + 1)) >"$OUT/$key.bench.$i" 2>"$OUT/$key.bench.err"; then
+            echo "$(value_of grown_count_ms "$OUT/$key.bench.$i") $i" >>"$OUT/$key.grow"
         else
             log "nimb-bench failed:"
-            sed 's/^/    /' "$OUT/bench.err" >&2
+            sed 's/^/    /' "$OUT/$key.bench.err" >&2
         fi
     done
-    if [[ -f $OUT/bench-$size.out ]]; then
-        for key in grown_count_ms appended_lines page_first_ms page_middle_ms page_last_ms index_bytes_per_line; do
-            R[$size,$key]=$(value_of "$key" "$OUT/bench-$size.out")
-        done
+    [[ -s $OUT/$key.grow ]] || return 0
+    local chosen
+    chosen=$(sort -n "$OUT/$key.grow" | awk '{ v[NR] = $2 } END { print v[int((NR + 1) / 2)] }')
+    for field in grown_count_ms appended_lines page_first_ms page_middle_ms page_last_ms index_bytes_per_line; do
+        R[$SIZE,${key}_$field]=$(value_of "$field" "$OUT/$key.bench.$chosen")
+    done
+}
+
+declare -A R
+for SIZE in "${SIZES[@]}"; do
+    file=$(journal "$SIZE")
+    q=$(quote "$file")
+    R[$SIZE,bytes]=$(stat -c %s "$file")
+    log "Measuring $SIZE (${R[$SIZE,bytes]} bytes, median of $RUNS runs) ..."
+
+    measure wc "wc -l < $q"
+    R[$SIZE,lines]=${R[$SIZE,wc_out]}
+    measure floor "$(quote "$FLOOR" "$file")"
+
+    old() { [[ -n $BASELINE ]] && quote "$OLD_EVENTS" "$@" || true; }
+    measure count "$(quote "$EVENTS" count "$file")" "$(old count "$file")"
+    measure filter1 "$(quote "$EVENTS" count "$file" "${FILTER[@]}" --workers 1)"
+    measure filter "$(quote "$EVENTS" count "$file" "${FILTER[@]}" --workers 2)" \
+        "$(old count "$file" "${FILTER[@]}" --workers 2)"
+    measure search "$(quote "$EVENTS" count "$file" "${KEYWORD[@]}" --workers 2)" \
+        "$(old count "$file" "${KEYWORD[@]}" --workers 2)"
+    measure summary "$(quote "$EVENTS" summary "$file" --workers 2)" "$(old summary "$file" --workers 2)"
+
+    grow_bench after "$BENCH" "$file"
+    [[ -n $BASELINE ]] && grow_bench before "$OLD_BENCH" "$file"
+
+    if [[ ${BENCH_SKIP_JQ:-0} != 1 ]]; then
+        # jq is slow: one run is enough to know how far behind it is.
+        RUNS=1 measure jq "jq -cR $(quote "$JQ_SELECT") $q | wc -l"
     fi
-
-    R[$size,filter1]=$(best_of "$runs" "$(quote "$EVENTS" count "$file" "${FILTER[@]}" --workers 1)")
-    R[$size,filtered]=$(cat "$OUT/last.out")
-    R[$size,filter1_cpu]=$(cat "$OUT/best.cpu")
-    R[$size,filter2]=$(best_of "$runs" "$(quote "$EVENTS" count "$file" "${FILTER[@]}" --workers 2)")
-    R[$size,filter2_cpu]=$(cat "$OUT/best.cpu")
-    R[$size,search]=$(best_of "$runs" "$(quote "$EVENTS" count "$file" "${KEYWORD[@]}" --workers 2)")
-    R[$size,found]=$(cat "$OUT/last.out")
-    R[$size,summary]=$(best_of "$runs" "$(quote "$EVENTS" summary "$file" --workers 2)")
-
-    # jq is slow: one run is enough to know how far behind it is.
-    R[$size,jq]=$(best_of 1 "jq -cR $(quote "$JQ_SELECT") $q | wc -l")
-    R[$size,jq_count]=$(tr -d ' ' <"$OUT/last.out")
 done
 LOAD_AFTER=$(cut -d' ' -f1-3 /proc/loadavg)
 
+seconds() { awk -v ms="${1:--1}" 'BEGIN { if (ms < 0) printf "n/a"; else printf "%.2f s", ms / 1000 }'; }
+speed() { awk -v ms="${1:--1}" -v b="$2" 'BEGIN { if (ms <= 0) printf "n/a"; else printf "%.0f MB/s", b / 1e6 / (ms / 1000) }'; }
+ratio() { awk -v a="${1:--1}" -v b="${2:--1}" 'BEGIN { if (a <= 0 || b <= 0) printf "n/a"; else printf "%.2f×", a / b }'; }
 ms() { [[ -n ${1:-} ]] && printf '%s ms' "$1" || printf 'n/a'; }
-row() {
-    local label=$1 target=$2 cells="" size
-    shift 2
-    for size in "${SIZES[@]}"; do
-        cells+=" $("$@" "$size") |"
-    done
-    printf '| %s |%s %s |\n' "$label" "$cells" "$target"
+
+# cell SIZE KEY: median wall time, processor time in brackets.
+cell() {
+    local t=${R[$1,$2]:-} c=${R[$1,${2}_cpu]:-}
+    [[ -n $t ]] || { printf 'n/a'; return; }
+    printf '%s (CPU %s)' "$(seconds "$t")" "$(seconds "$c")"
 }
-c_lines() { printf '%s lines, %s events' "${R[$1,lines]}" "${R[$1,events]}"; }
-c_wc() { seconds "${R[$1,wc]}"; }
-c_floor() { printf '%s (%s objects)' "$(seconds "${R[$1,floor]}")" "${R[$1,floor_count]}"; }
-c_count() { seconds "${R[$1,count]}"; }
-c_count_ratio() { ratio "${R[$1,count]}" "${R[$1,floor]}"; }
-c_count_cpu_ratio() { ratio "${R[$1,count_cpu]}" "${R[$1,floor_cpu]}"; }
-c_grow() { printf '%s (+%s lines)' "$(ms "${R[$1,grown_count_ms]:-}")" "${R[$1,appended_lines]:-?}"; }
-c_filter1() {
-    printf '%s (%s events; CPU %s)' "$(seconds "${R[$1,filter1]}")" "${R[$1,filtered]}" \
-        "$(seconds "${R[$1,filter1_cpu]}")"
+
+table() {
+    local s=$1 bytes=${R[$1,bytes]}
+    local has_before=0
+    [[ -n $BASELINE ]] && has_before=1
+    echo "### $s journal: $bytes bytes, ${R[$s,lines]} lines, ${R[$s,count_out]} events"
+    echo
+    if ((has_before)); then
+        echo "| Measurement | Before | After | Speed-up | After: throughput, ÷ \`wc -l\` | Target |"
+        echo "|---|---|---|---|---|---|"
+    else
+        echo "| Measurement | Time | Throughput, ÷ \`wc -l\` | Target |"
+        echo "|---|---|---|---|"
+    fi
+    # row LABEL KEY TARGET
+    row() {
+        local label=$1 key=$2 target=$3
+        local through
+        through="$(speed "${R[$s,$key]:-}" "$bytes"), $(ratio "${R[$s,$key]:-}" "${R[$s,wc]:-}")"
+        if ((has_before)); then
+            local before="n/a" up="n/a"
+            if [[ -n ${R[$s,${key}_before]:-} ]]; then
+                before=$(cell "$s" "${key}_before")
+                up=$(ratio "${R[$s,${key}_before]}" "${R[$s,$key]}")
+            fi
+            printf '| %s | %s | %s | %s | %s | %s |\n' "$label" "$before" "$(cell "$s" "$key")" "$up" "$through" "$target"
+        else
+            printf '| %s | %s | %s | %s |\n' "$label" "$(cell "$s" "$key")" "$through" "$target"
+        fi
+    }
+    # plain LABEL BEFORE AFTER TARGET
+    plain() {
+        if ((has_before)); then
+            printf '| %s | %s | %s | | | %s |\n' "$1" "$2" "$3" "$4"
+        else
+            printf '| %s | %s | | %s |\n' "$1" "$3" "$4"
+        fi
+    }
+    row "\`wc -l\` (I/O floor)" wc ""
+    row "Qt JSON parse of every line, 1 thread (nimb-json-floor, ${R[$s,floor_out]} objects)" floor ""
+    row "Full count" count "≥ 1.5 GB/s"
+    row "Filtered count (priority set + name contains), 1 worker" filter1 ""
+    row "Filtered count, 2 workers (${R[$s,filter_out]} events)" filter "≥ 400 MB/s"
+    row "Keyword search count, 2 workers (${R[$s,search_out]} events)" search "≥ 250 MB/s"
+    row "Summary, 2 workers" summary "≥ 500 MB/s"
+    plain "Count again after appending 1%" "$(ms "${R[$s,before_grown_count_ms]:-}")" \
+        "$(ms "${R[$s,after_grown_count_ms]:-}") (+${R[$s,after_appended_lines]:-?} lines)" ""
+    plain "Page of 1000 rows: first / middle / last" \
+        "$(ms "${R[$s,before_page_first_ms]:-}") / $(ms "${R[$s,before_page_middle_ms]:-}") / $(ms "${R[$s,before_page_last_ms]:-}")" \
+        "$(ms "${R[$s,after_page_first_ms]:-}") / $(ms "${R[$s,after_page_middle_ms]:-}") / $(ms "${R[$s,after_page_last_ms]:-}")" \
+        "≤ 30 ms each"
+    plain "Index bytes per counted line" "${R[$s,before_index_bytes_per_line]:-n/a} B" \
+        "${R[$s,after_index_bytes_per_line]:-n/a} B" "≤ 2 B"
+    plain "Peak memory of the full count" \
+        "$(awk -v kb="${R[$s,count_before_kb]:-0}" 'BEGIN { printf "%.1f MiB", kb / 1024 }')" \
+        "$(awk -v kb="${R[$s,count_kb]:-0}" 'BEGIN { printf "%.1f MiB", kb / 1024 }')" "≤ 64 MiB"
+    if [[ -n ${R[$s,jq]:-} ]]; then
+        plain "jq selecting the same lines, 1 run" "" "$(seconds "${R[$s,jq]}") (${R[$s,jq_out]} objects)" ""
+    fi
+    echo
+    echo "Runs, wall ms: full count ${R[$s,count_all]:-}; filtered ${R[$s,filter_all]:-}; search" \
+        "${R[$s,search_all]:-}; summary ${R[$s,summary_all]:-}."
+    if ((has_before)); then
+        echo "Before: full count ${R[$s,count_before_all]:-}; filtered ${R[$s,filter_before_all]:-}; search" \
+            "${R[$s,search_before_all]:-}; summary ${R[$s,summary_before_all]:-}."
+    fi
+    echo
 }
-c_filter2() { printf '%s (CPU %s)' "$(seconds "${R[$1,filter2]}")" "$(seconds "${R[$1,filter2_cpu]}")"; }
-c_speedup() { ratio "${R[$1,filter1]}" "${R[$1,filter2]}"; }
-c_search() { printf '%s (%s events)' "$(seconds "${R[$1,search]}")" "${R[$1,found]}"; }
-c_summary() { seconds "${R[$1,summary]}"; }
-c_pages() {
-    printf '%s / %s / %s' "$(ms "${R[$1,page_first_ms]:-}")" "$(ms "${R[$1,page_middle_ms]:-}")" \
-        "$(ms "${R[$1,page_last_ms]:-}")"
-}
-c_rss() { awk -v kb="${R[$1,rss_kb]:-0}" 'BEGIN { printf "%.1f MiB", kb / 1024 }'; }
-c_index() { printf '%s B' "${R[$1,index_bytes_per_line]:-n/a}"; }
-c_jq() { printf '%s (%s objects)' "$(seconds "${R[$1,jq]}")" "${R[$1,jq_count]}"; }
-c_jq_ratio() { ratio "${R[$1,jq]}" "${R[$1,count]}"; }
 
 {
-    header="| Measurement |"
-    rule="|---|"
-    for size in "${SIZES[@]}"; do
-        header+=" $size journal |"
-        rule+="---|"
+    for s in "${SIZES[@]}"; do
+        table "$s"
     done
-    printf '%s Target |\n%s---|\n' "$header" "$rule"
-    row "Journal" "" c_lines
-    row "\`wc -l\` (I/O floor)" "" c_wc
-    row "Qt JSON parse of every line, 1 thread (nimb-json-floor)" "" c_floor
-    row "Full count (\`nimb-events count\`)" "" c_count
-    row "Full count ÷ JSON floor" "≤ 1.5×" c_count_ratio
-    row "Same ratio in processor time (user+sys)" "" c_count_cpu_ratio
-    row "Count again after appending 1% (same parser)" "" c_grow
-    row "Filtered count, 1 worker" "" c_filter1
-    row "Filtered count, 2 workers" "" c_filter2
-    row "Filtered speed-up, 2 workers vs 1" "≈ 2×" c_speedup
-    row "Keyword search count, 2 workers" "" c_search
-    row "Summary, 2 workers" "" c_summary
-    row "Page load, 1000 rows: first / middle / last" "< 50 ms each" c_pages
-    row "Peak RSS of the full count" "" c_rss
-    row "Index bytes per counted line" "8 B + slack" c_index
-    row "jq selecting the same lines, 1 run" "" c_jq
-    row "jq ÷ full count" "≥ 3×" c_jq_ratio
-    echo
-    echo "Filter: \`${FILTER[*]}\`; keyword: \`${KEYWORD[*]}\`. Wall times, warm page cache;" \
-        "best of 2 runs for journals below 1 GB, single runs for 1 GB. $(nproc) processors;" \
-        "load average before $LOAD_BEFORE, after $LOAD_AFTER (other work on the machine lengthens wall times;" \
-        "the processor times show the work itself). Journals: nimb-gen-journal --seed $SEED."
-} | tee "$OUT/results.md"
+    echo "Measured $(date -u '+%Y-%m-%d %H:%M UTC'). Filter: \`${FILTER[*]}\`; keyword: \`${KEYWORD[*]}\`." \
+        "Wall times with a warm page cache," \
+        "medians of $RUNS runs$([[ -n $BASELINE ]] && echo ", before and after alternating"); processor" \
+        "time (user+system) in brackets. $(nproc) processors; load average before $LOAD_BEFORE, after" \
+        "$LOAD_AFTER (other work on the machine lengthens wall times). Journals: nimb-gen-journal --seed $SEED."
+} | tee "$OUT/results.md" ${BENCH_RESULTS:+"$BENCH_RESULTS"}

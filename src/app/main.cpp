@@ -1,28 +1,29 @@
-#include "CompressedLogFile.h"
-#include "LogParser.h"
+#include "MainWindow.h"
 #include "NimbInit.h"
 #include "NimbTranslator.h"
-#include "SystemPaths.h"
+#include "SingleInstance.h"
 
 #include <QApplication>
-#include <QTextStream>
+#include <QIcon>
 
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
     nimbInit(QStringLiteral("1.0.0"), QStringLiteral("System events journal"));
-    nimbTranslatorInstall(QStringLiteral("nimb-event-viewer"));
 
-    // Until the main window exists the viewer only reports what it would show.
-    QTextStream out(stdout);
-    const QString journal = SystemPaths::defaultJournal();
-    out << "would open " << journal << Qt::endl;
-    const CompressedLogFile readable(journal);
-    LogParser parser(readable.readablePath());
-    if (!parser.isJournal()) {
-        out << QCoreApplication::translate("LogWidget", "Can't open log file.") << Qt::endl;
-        return 1;
-    }
-    out << "events: " << parser.count() << Qt::endl;
-    return 0;
+    SingleInstance instance;
+    // The running copy has been told to come forward; this start ends without a window.
+    if (instance.isSecondary())
+        return -1;
+
+    nimbTranslatorInstall(QStringLiteral("nimb-event-viewer"));
+    // Installed, the icon comes from the hicolor theme; run from the build tree, the
+    // copy built into the program stands in for it.
+    QIcon::setFallbackSearchPaths(QIcon::fallbackSearchPaths() << QStringLiteral(":/icons"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("nimb-event-viewer")));
+
+    MainWindow window;
+    QObject::connect(&instance, &SingleInstance::messageReceived, &window, &MainWindow::bringToFront);
+    window.showMaximized();
+    return app.exec();
 }

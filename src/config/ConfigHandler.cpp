@@ -4,7 +4,9 @@
 #include "Dictionary.h"
 #include "SystemPaths.h"
 
+#include <QDateTime>
 #include <QSettings>
+#include <QTimeZone>
 
 #include <algorithm>
 
@@ -85,6 +87,57 @@ QVariant boolValue(const QVariant &stored)
     return QVariant();
 }
 
+// A damaged file can hold a date-time that names a time zone but carries none, and
+// Qt may even call it valid; writing it back crashes Qt.
+bool usableTime(const QDateTime &time)
+{
+    return time.isValid() && time.date().isValid() && time.time().isValid()
+        && (time.timeSpec() != Qt::TimeZone || time.timeZone().isValid());
+}
+
+// Whether Qt can write the value back.
+bool writable(const QVariant &value)
+{
+    switch (value.userType()) {
+    case QMetaType::QDateTime:
+        return usableTime(value.toDateTime());
+    case QMetaType::QVariantList: {
+        const QVariantList list = value.toList();
+        return std::all_of(list.cbegin(), list.cend(), writable);
+    }
+    case QMetaType::QVariantMap: {
+        const QVariantMap map = value.toMap();
+        return std::all_of(map.cbegin(), map.cend(), writable);
+    }
+    case QMetaType::QVariantHash: {
+        const QVariantHash hash = value.toHash();
+        return std::all_of(hash.cbegin(), hash.cend(), writable);
+    }
+    default:
+        return true;
+    }
+}
+
+// Qt writes every key of the file back when it saves, also those this version leaves
+// alone, and crashes on some values a damaged file can hold; nor can such a file
+// always be mended key by key (a broken group header gives keys that Qt lists but
+// cannot look up). A damaged file is therefore written afresh from the store.
+void forgetDamagedFile(QSettings &settings)
+{
+    const QStringList keys = settings.allKeys();
+    const bool damaged = std::any_of(keys.cbegin(), keys.cend(), [&settings](const QString &key) {
+        return !settings.contains(key) || !writable(settings.value(key));
+    });
+    if (damaged)
+        settings.clear();
+}
+
+QDateTime storedTime(const QVariant &stored)
+{
+    const QDateTime time = stored.toDateTime();
+    return usableTime(time) ? time : QDateTime();
+}
+
 // The ini file turns every value into text. A condition compares with QVariant
 // equality against the parameter's value, so it is given back the type of its
 // kind's family: numbers for numeric kinds (equal to the journal's JSON numbers),
@@ -108,7 +161,7 @@ QVariant conditionValue(int type, const QVariant &stored)
         return boolValue(stored);
     case AuxParFamily::Time: {
         const QDateTime time = stored.toDateTime();
-        return time.isValid() ? QVariant(time) : QVariant();
+        return usableTime(time) ? QVariant(time) : QVariant();
     }
     case AuxParFamily::Mac:
     case AuxParFamily::Source:
@@ -213,8 +266,8 @@ FilterPack readFilter(QSettings &settings, int index)
     FilterPack pack;
     for (const TextKey &text : kTextKeysBeforeDates)
         pack.*text.text = settings.value(keys(QLatin1String(text.key))).toString();
-    pack.from = settings.value(keys(QStringLiteral("From "))).toDateTime();
-    pack.to = settings.value(keys(QStringLiteral("To "))).toDateTime();
+    pack.from = storedTime(settings.value(keys(QStringLiteral("From "))));
+    pack.to = storedTime(settings.value(keys(QStringLiteral("To "))));
     for (const TextKey &text : kTextKeysAfterDates)
         pack.*text.text = settings.value(keys(QLatin1String(text.key))).toString();
 
@@ -281,6 +334,7 @@ void ConfigHandler::readConfig()
 void ConfigHandler::writeConfig()
 {
     QSettings settings(QSettings::NativeFormat, QSettings::UserScope, organizationName(), applicationName());
+    forgetDamagedFile(settings);
     writeWindow(settings);
     writeVisibleColumns(settings);
     writeApplicationSettings(settings);

@@ -133,6 +133,13 @@ bool FilterPack::match(const Event &event) const
     return checkSearch ? searchMatch(event) : true;
 }
 
+bool FilterPack::keywordFoundIn(const QString &text) const
+{
+    const QRegExp &expression = keywordExpression(keywordPattern(search, wholeWord),
+                                                  caseSensitive ? Qt::CaseSensitive : Qt::CaseInsensitive);
+    return expression.indexIn(text, 0) != -1;
+}
+
 bool FilterPack::searchMatch(const Event &event) const
 {
     const QRegExp &expression = keywordExpression(keywordPattern(search, wholeWord),

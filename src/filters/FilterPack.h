@@ -46,6 +46,8 @@ public:
     bool match(const Event &event) const;
     // The keyword test alone.
     bool searchMatch(const Event &event) const;
+    // Whether the keyword test finds the keyword in one text.
+    bool keywordFoundIn(const QString &text) const;
 
     // The priority word the keyword search looks for (not the shorter display word).
     static QString searchPriorityWord(Event::Priority priority);

@@ -20,6 +20,7 @@ namespace
 // file by mistake does not read all of it on the calling (GUI) thread.
 constexpr qint64 kJournalTestBytes = 8 * 1024 * 1024;
 constexpr qint64 kBoundaryChunk = 4096;
+constexpr std::size_t kRowSlice = 4096;
 }
 
 AbstractLogParser::AbstractLogParser(const QString &filePath, QObject *parent)
@@ -61,19 +62,18 @@ bool AbstractLogParser::isJournal() const
     QFile file(m_filePath);
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    const QByteArray head = file.read(kJournalTestBytes);
-    const bool whole = file.atEnd();
-    qsizetype from = 0;
-    while (from < head.size()) {
-        qsizetype feed = head.indexOf('\n', from);
-        if (feed < 0) {
-            // A line cut by the read limit is no evidence either way.
-            if (!whole)
-                return false;
-            feed = head.size();
-        }
-        const QByteArray line = QByteArray::fromRawData(head.constData() + from, static_cast<int>(feed - from));
-        from = feed + 1;
+    // Line by line: the first lines usually decide, and reading the whole allowance
+    // up front would hold up the interface thread, which asks before every count.
+    qint64 budget = kJournalTestBytes;
+    while (budget > 0 && !file.atEnd()) {
+        QByteArray line = file.readLine(budget + 1);
+        if (line.isEmpty())
+            return false;
+        budget -= line.size();
+        if (line.endsWith('\n'))
+            line.chop(1);
+        else if (!file.atEnd())
+            return false; // a line cut by the read limit is no evidence either way
         if (line.trimmed().isEmpty())
             continue;
         // Lines that are not journal lines are skipped: a journal may begin with a
@@ -88,13 +88,28 @@ bool AbstractLogParser::isJournal() const
 std::size_t AbstractLogParser::positionCount() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    return m_positions.size();
+    return m_index.size();
+}
+
+std::vector<qint64> AbstractLogParser::positions() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    std::vector<qint64> all;
+    all.reserve(m_index.size());
+    m_index.copyTo(0, m_index.size(), all);
+    return all;
+}
+
+std::size_t AbstractLogParser::indexBytes() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_index.memoryBytes();
 }
 
 void AbstractLogParser::hideCounted()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    m_indexBase.store(static_cast<int>(m_positions.size()), std::memory_order_relaxed);
+    m_indexBase.store(static_cast<int>(m_index.size()), std::memory_order_relaxed);
 }
 
 void AbstractLogParser::showAll()
@@ -114,12 +129,12 @@ bool AbstractLogParser::readRow(int index, QByteArray *line)
         return false;
     scan(file);
     const qint64 row = qint64(indexBase()) + index;
-    if (index < 0 || row >= qint64(m_positions.size()))
+    if (index < 0 || row >= qint64(m_index.size()))
         return false;
     LineReader reader(file, LineReader::kPageBlock);
     const char *data = nullptr;
     qint64 size = 0;
-    if (!reader.seek(m_positions[static_cast<std::size_t>(row)]) || !reader.readLine(&data, &size))
+    if (!reader.seek(m_index.at(static_cast<std::size_t>(row))) || !reader.readLine(&data, &size))
         return false;
     // A copy: the reader's buffer goes with the reader.
     *line = QByteArray(data, static_cast<int>(size));
@@ -169,7 +184,7 @@ std::pair<bool, std::vector<Event *>> AbstractLogParser::loadRows(std::size_t fi
 
     // load() rows are shown rows, behind the hidden ones; loadAll() starts at the first line.
     const std::size_t base = n == std::size_t(-1) ? 0 : static_cast<std::size_t>(indexBase());
-    const std::size_t total = m_positions.size();
+    const std::size_t total = m_index.size();
     const std::size_t begin = std::min(total, base + first);
     // The caller promises the rows exist, but the file may have been replaced by a shorter one since.
     const std::size_t end = n == std::size_t(-1) ? total : std::min(total, begin + n);
@@ -178,14 +193,21 @@ std::pair<bool, std::vector<Event *>> AbstractLogParser::loadRows(std::size_t fi
     events.reserve(end - begin);
     LineReader reader(file, blockSize);
     QByteArray line;
-    for (std::size_t row = begin; row < end; ++row) {
-        if (!lineAt(reader, m_positions[row], &line))
-            break;
-        std::unique_ptr<Event> event = LineParser::parseLine(line);
-        if (!event)
-            continue;
-        event->number = firstNumber + static_cast<quint32>(row - begin);
-        events.push_back(event.release());
+    // Positions are unpacked a slice at a time, so that reading everything never holds
+    // them all unpacked.
+    std::vector<qint64> slice;
+    for (std::size_t from = begin; from < end; from += kRowSlice) {
+        slice.clear();
+        m_index.copyTo(from, std::min(kRowSlice, end - from), slice);
+        for (std::size_t i = 0; i < slice.size(); ++i) {
+            if (!lineAt(reader, slice[i], &line))
+                return {true, std::move(events)};
+            std::unique_ptr<Event> event = LineParser::parseLine(line);
+            if (!event)
+                continue;
+            event->number = firstNumber + static_cast<quint32>(from + i - begin);
+            events.push_back(event.release());
+        }
     }
     return {true, std::move(events)};
 }
@@ -231,7 +253,7 @@ void AbstractLogParser::beginFullScan(QIODevice &file, qint64 size)
     std::lock_guard<std::mutex> lock(m_mutex);
     if (m_scannedSize > size)
         m_indexBase.store(0, std::memory_order_relaxed);
-    m_positions.clear();
+    m_index.clear();
     m_scannedSize = size;
     m_lastPercent = 0;
     m_resumePosition = -1;
@@ -266,37 +288,26 @@ std::vector<qint64> AbstractLogParser::rangeStarts(QIODevice &file, qint64 size)
     return std::vector<qint64>(starts.begin(), starts.end());
 }
 
-void AbstractLogParser::reportPercent(qint64 position, qint64 total, bool always)
+void AbstractLogParser::reportPercent(qint64 position, qint64 total)
 {
     if (total <= 0)
         return;
     const int percent = std::min(100, static_cast<int>(double(position) / double(total) * 100.0));
-    if (percent > m_lastPercent || (always && percent == 0)) {
+    if (percent > m_lastPercent) {
         m_lastPercent = percent;
         Q_EMIT percentRead(percent);
     }
 }
 
-void AbstractLogParser::flushPositions(std::vector<qint64> &batch)
+void AbstractLogParser::appendPositions(LineIndex &&counted)
 {
-    if (batch.empty())
+    if (counted.empty())
         return;
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_positions.insert(m_positions.end(), batch.begin(), batch.end());
-    }
-    batch.clear();
-}
-
-void AbstractLogParser::reservePositions(qint64 bytes, qint64 sampleBytes, std::size_t sampleLines)
-{
-    if (bytes <= 0 || sampleBytes <= 0 || sampleLines == 0)
-        return;
-    const double perByte = double(sampleLines) / double(sampleBytes);
-    const auto expected = static_cast<std::size_t>(double(bytes) * perByte * 1.05) + 1024;
     std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_positions.capacity() < m_positions.size() + expected)
-        m_positions.reserve(m_positions.size() + expected);
+    if (m_index.empty())
+        m_index = std::move(counted);
+    else
+        m_index.append(counted);
 }
 
 void AbstractLogParser::trimPositions()
@@ -304,6 +315,5 @@ void AbstractLogParser::trimPositions()
     // The index is the one thing a view keeps per line; between scans it holds no
     // spare room (a copy now is cheap next to the scan that just ran).
     std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_positions.capacity() != m_positions.size())
-        m_positions.shrink_to_fit();
+    m_index.shrinkToFit();
 }

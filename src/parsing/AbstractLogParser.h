@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Event.h"
+#include "LineIndex.h"
 #include "LineReader.h"
 
 #include <QByteArray>
@@ -57,6 +58,11 @@ public:
 
     // Number of recorded positions, hidden ones included.
     std::size_t positionCount() const;
+    // A copy of the recorded positions, hidden ones included. Consistent only between
+    // scans: take it on the thread that runs them.
+    std::vector<qint64> positions() const;
+    // What the index of positions occupies in memory.
+    std::size_t indexBytes() const;
     qint64 scannedSize() const { return m_scannedSize; }
 
     // Worker threads for full scans of the parallel parsers; 0 means one per
@@ -89,44 +95,55 @@ protected:
     void setResumePosition(QIODevice &file, qint64 position);
     // Line starts that split [0, size) into one range per worker.
     std::vector<qint64> rangeStarts(QIODevice &file, qint64 size) const;
-    void reportPercent(qint64 position, qint64 total, bool always = false);
+    // Sends the percentage of `total` that `position` stands for, when it grew.
+    void reportPercent(qint64 position, qint64 total);
 
-    // Moves a batch of positions into the index under the mutex and empties the batch.
-    void flushPositions(std::vector<qint64> &batch);
-    // Makes room for the lines expected in `bytes` more bytes, judged by what was counted so far.
-    void reservePositions(qint64 bytes, qint64 sampleBytes, std::size_t sampleLines);
+    // Moves positions counted elsewhere behind those in the index, under the mutex.
+    void appendPositions(LineIndex &&counted);
     // Gives back spare index capacity after a scan.
     void trimPositions();
     // Forces the next scan to start from the beginning (e.g. after the filter changed).
     void invalidateResults() { m_invalidated.store(true, std::memory_order_relaxed); }
 
-    // How far one run of reading got.
+    // What reading made of one line.
+    enum class Outcome {
+        Unreadable, // the line does not parse
+        Skipped,    // it parses but does not count
+        Counted,    // its position goes into the index
+    };
+
+    // How far one run of reading got, and the positions of the lines it counted.
     struct RangeEnd {
         qint64 resume = -1; // start of the first line not read in full
         int lastPercent = 0;
         bool opened = false;
         bool stopped = false;
+        LineIndex counted;
     };
 
     // Hands every line from the reader's position up to `end` (or the end of the data)
-    // to take(position, line), which answers whether the line was readable. The stop
-    // flag is polled once per line. An unreadable line without its line feed is
+    // to judge(position, data, size) -> Outcome; the bytes stay valid during the call.
+    // The stop flag is polled once per line. An unreadable line without its line feed is
     // probably still being written: reading ends before it, so the next scan starts there.
-    template<typename Take>
-    RangeEnd readLines(LineReader &reader, qint64 end, Take take)
+    template<typename Judge>
+    RangeEnd readLines(LineReader &reader, qint64 end, Judge judge)
     {
         RangeEnd result;
         result.opened = true;
-        QByteArray line;
+        const char *data = nullptr;
+        qint64 size = 0;
         for (;;) {
             if (stopRequested()) {
                 result.stopped = true;
                 break;
             }
             const qint64 position = reader.position();
-            if (position >= end || !reader.readLine(&line))
+            if (position >= end || !reader.readLine(&data, &size))
                 break;
-            if (!take(position, line) && !reader.lastLineTerminated()) {
+            const Outcome outcome = judge(position, data, size);
+            if (outcome == Outcome::Counted)
+                result.counted.append(position);
+            else if (outcome == Outcome::Unreadable && !reader.lastLineTerminated()) {
                 result.resume = position;
                 return result;
             }
@@ -136,8 +153,9 @@ protected:
     }
 
     // readLines over [start, end) through a file handle of the calling worker's own.
-    template<typename Take>
-    RangeEnd readRange(qint64 start, qint64 end, Take take)
+    // With `reportsProgress` the percentage of the range read goes out as percentRead.
+    template<typename Judge>
+    RangeEnd readRange(qint64 start, qint64 end, bool reportsProgress, Judge judge)
     {
         QFile file(m_filePath);
         RangeEnd result;
@@ -149,7 +167,20 @@ protected:
             result.opened = true;
             return result;
         }
-        return readLines(reader, end, take);
+        int lastPercent = 0;
+        result = readLines(reader, end, [&](qint64 position, const char *data, qint64 size) {
+            const Outcome outcome = judge(position, data, size);
+            if (reportsProgress && position > start) {
+                const int percent = static_cast<int>(float(position - start) / float(end - start) * 100.0f);
+                if (percent != lastPercent) {
+                    lastPercent = percent;
+                    Q_EMIT percentRead(percent);
+                }
+            }
+            return outcome;
+        });
+        result.lastPercent = lastPercent;
+        return result;
     }
 
     // The incremental path: reads only the appended tail with scanTail(reader, size),
@@ -162,7 +193,6 @@ protected:
         if (m_resumePosition >= size)
             return true;
         const qint64 from = m_resumePosition;
-        reservePositions(size - from, from, m_positions.size());
         m_scannedSize = size;
         LineReader reader(file);
         if (reader.seek(from))
@@ -170,9 +200,25 @@ protected:
         return true;
     }
 
+    // The tail from the reader's position to the end of the data, read on the calling
+    // thread with percentRead whenever the percentage grows; the counted positions join
+    // the index. Returns where the next scan resumes.
+    template<typename Judge>
+    qint64 readTail(LineReader &reader, qint64 size, Judge judge)
+    {
+        RangeEnd end = readLines(reader, std::numeric_limits<qint64>::max(),
+                                 [&](qint64 position, const char *data, qint64 lineSize) {
+                                     reportPercent(position, size);
+                                     return judge(position, data, lineSize);
+                                 });
+        appendPositions(std::move(end.counted));
+        return end.resume;
+    }
+
     // A full scan over the ranges of rangeStarts(), one thread each running
     // scanRange(start, end, isLastRange) -> RangeEnd; then the lines appended while they
-    // ran are read on this thread with scanTail(reader, size). Positions end up sorted.
+    // ran are read on this thread with scanTail(reader, size). The ranges' positions join
+    // the index in file order.
     template<typename Range, typename Tail>
     void scanInParallel(QIODevice &file, qint64 size, Range scanRange, Tail scanTail)
     {
@@ -189,11 +235,8 @@ protected:
         }
         for (std::thread &worker : workers)
             worker.join();
-        {
-            // Workers append in whatever order they finish their batches.
-            std::lock_guard<std::mutex> lock(m_mutex);
-            std::sort(m_positions.begin(), m_positions.end());
-        }
+        for (RangeEnd &result : results)
+            appendPositions(std::move(result.counted));
         m_lastPercent = results.back().lastPercent;
         const bool complete = std::all_of(results.begin(), results.end(),
                                           [](const RangeEnd &r) { return r.opened && !r.stopped; });
@@ -202,7 +245,15 @@ protected:
             setResumePosition(file, -1);
             return;
         }
+        // A range that ends in a line still being written ends what was read in full;
+        // the ranges after it are empty (their starts were pushed to the end of the data).
         qint64 resume = results.back().resume;
+        for (std::size_t i = 0; i + 1 < results.size(); ++i) {
+            if (results[i].resume < starts[i + 1]) {
+                resume = results[i].resume;
+                break;
+            }
+        }
         const qint64 current = file.size();
         if (current > resume) {
             m_scannedSize = std::max(m_scannedSize, current);
@@ -218,7 +269,7 @@ protected:
     qint64 m_scannedSize = 0;
     int m_lastPercent = 0;
     mutable std::mutex m_mutex;
-    std::vector<qint64> m_positions;
+    LineIndex m_index;
     std::atomic<bool> m_stop{false};
     unsigned m_workerCount = 0;
     // Where the next tail scan begins: the start of the first line not yet read in

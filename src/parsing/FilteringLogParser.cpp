@@ -1,13 +1,16 @@
 #include "FilteringLogParser.h"
 
-#include "LineParser.h"
+#include "LineFilter.h"
 #include "LineReader.h"
 
-#include <QFile>
-
-namespace
+AbstractLogParser::Outcome FilteringLogParser::outcomeOf(LineFilter::Result result)
 {
-constexpr std::size_t kBatch = 4096;
+    switch (result) {
+    case LineFilter::Result::Passed: return Outcome::Counted;
+    case LineFilter::Result::Failed: return Outcome::Skipped;
+    case LineFilter::Result::Unreadable: break;
+    }
+    return Outcome::Unreadable;
 }
 
 void FilteringLogParser::setFilter(const FilterPack &filter)
@@ -29,55 +32,22 @@ void FilteringLogParser::scan(QIODevice &file)
             std::lock_guard<std::mutex> lock(m_mutex);
             m_scanFilter = m_filter;
         }
-        scanInParallel(file, size, [this](qint64 start, qint64 end, bool last) { return scanRange(start, end, last); },
-                       tail);
+        scanInParallel(
+            file, size,
+            [this](qint64 start, qint64 end, bool last) {
+                LineFilter filter(m_scanFilter);
+                return readRange(start, end, last, [&filter](qint64, const char *data, qint64 size) {
+                    return outcomeOf(filter.test(data, size));
+                });
+            },
+            tail);
     }
     trimPositions();
 }
 
-bool FilteringLogParser::take(const QByteArray &line, qint64 position, std::vector<qint64> &batch)
-{
-    const std::unique_ptr<Event> event = LineParser::parseLine(line);
-    if (event && m_scanFilter.match(*event)) {
-        batch.push_back(position);
-        if (batch.size() == kBatch)
-            flushPositions(batch);
-    }
-    return event != nullptr;
-}
-
 qint64 FilteringLogParser::scanTail(LineReader &reader, qint64 size)
 {
-    std::vector<qint64> batch;
-    const RangeEnd end = readLines(reader, std::numeric_limits<qint64>::max(),
-                                   [this, size, &batch](qint64 position, const QByteArray &line) {
-                                       reportPercent(position, size);
-                                       return take(line, position, batch);
-                                   });
-    flushPositions(batch);
-    return end.resume;
-}
-
-AbstractLogParser::RangeEnd FilteringLogParser::scanRange(qint64 start, qint64 end, bool reportsProgress)
-{
-    // Positions are handed over in batches: one lock per line would make the two
-    // workers take turns on the mutex instead of parsing.
-    std::vector<qint64> batch;
-    batch.reserve(kBatch);
-    int lastPercent = 0;
-    RangeEnd result = readRange(start, end, [&](qint64 position, const QByteArray &line) {
-        const bool readable = take(line, position, batch);
-        if (reportsProgress && position > start) {
-            // Only the last range reports, so the bar shows how far that one got.
-            const int percent = static_cast<int>(float(position - start) / float(end - start) * 100.0f);
-            if (percent != lastPercent) {
-                lastPercent = percent;
-                Q_EMIT percentRead(percent);
-            }
-        }
-        return readable;
-    });
-    flushPositions(batch);
-    result.lastPercent = lastPercent;
-    return result;
+    LineFilter filter(m_scanFilter);
+    return readTail(reader, size,
+                    [&filter](qint64, const char *data, qint64 lineSize) { return outcomeOf(filter.test(data, lineSize)); });
 }

@@ -2,6 +2,7 @@
 
 #include "AbstractLogParser.h"
 #include "FilterPack.h"
+#include "LineFilter.h"
 
 class LineReader;
 
@@ -21,9 +22,7 @@ protected:
     void scan(QIODevice &file) override;
 
 private:
-    RangeEnd scanRange(qint64 start, qint64 end, bool reportsProgress);
-    // Tests one line and records its position when it passes; false when it does not parse.
-    bool take(const QByteArray &line, qint64 position, std::vector<qint64> &batch);
+    static Outcome outcomeOf(LineFilter::Result result);
     // Reads from the reader's position to the end of the data on the calling thread.
     qint64 scanTail(LineReader &reader, qint64 size);
 

@@ -3,6 +3,7 @@
 #include "AuxParFamilies.h"
 #include "AuxParRegistry.h"
 #include "Dictionary.h"
+#include "LineAcceptor.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -91,77 +92,28 @@ QVariant valueFor(int type, const QJsonValue &member)
     return member.toVariant();
 }
 
-// Whether QDateTime::fromString(text, Qt::ISODate) gives a valid time. The shape the
-// logger writes ("2024-03-01T10:15:00+03:00" or "...Z") is checked here, because
-// Qt's reader costs as much as a tenth of a count; any other text is left to Qt, so
-// the answer is always Qt's.
-bool isoDateIsValid(const QString &text)
-{
-    const int size = text.size();
-    const QChar *chars = text.constData();
-    auto number = [chars](int from, int count, int *value) {
-        int result = 0;
-        for (int i = from; i < from + count; ++i) {
-            const ushort c = chars[i].unicode();
-            if (c < '0' || c > '9')
-                return false;
-            result = result * 10 + (c - '0');
-        }
-        *value = result;
-        return true;
-    };
-    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0, offsetHour = 0, offsetMinute = 0;
-    const bool usualShape = (size == 20 || size == 25) && chars[4] == QLatin1Char('-') && chars[7] == QLatin1Char('-')
-        && chars[10] == QLatin1Char('T') && chars[13] == QLatin1Char(':') && chars[16] == QLatin1Char(':')
-        && number(0, 4, &year) && number(5, 2, &month) && number(8, 2, &day) && number(11, 2, &hour)
-        && number(14, 2, &minute) && number(17, 2, &second)
-        && (size == 20 ? chars[19] == QLatin1Char('Z')
-                       : (chars[19] == QLatin1Char('+') || chars[19] == QLatin1Char('-')) && chars[22] == QLatin1Char(':')
-                   && number(20, 2, &offsetHour) && number(23, 2, &offsetMinute));
-    if (usualShape && year > 0 && QDate::isValid(year, month, day) && hour < 24 && minute < 60 && second < 60
-        && offsetHour <= 14 && offsetMinute < 60)
-        return true;
-    return QDateTime::fromString(text, Qt::ISODate).isValid();
-}
-
 struct TimeChoice {
     QDateTime time;
     bool accepted = false;
 };
 
 // The event time by precedence: body time, unixtime, end_time, ISODATE, DATE.
-// Shared by parsing and by acceptance so that both decide alike; the first three
-// accept without looking at the result, so acceptance skips their conversion to local
-// time (a time-zone lookup per line, which dominated counting).
-template<typename ValueOf>
-TimeChoice chooseTime(const LineFrame &frame, ValueOf valueOf, bool wantTime = true)
+TimeChoice chooseTime(const LineFrame &frame, const ParameterMap &parameters)
 {
-    const QVariant time = valueOf(AuxParId::Time);
+    const QVariant time = parameters.value(AuxParId::Time)->value();
     if (AuxParBaseTime::carriesValue(time))
         return {time.toDateTime(), true};
-    const QVariant unixTime = valueOf(AuxParId::UnixTime);
+    const QVariant unixTime = parameters.value(AuxParId::UnixTime)->value();
     if (AuxParBaseLongLong::carriesValue(unixTime))
-        return {wantTime ? LineParser::fromEpochSeconds(static_cast<qint64>(unixTime.toULongLong())) : QDateTime(),
-                true};
-    const QVariant endTime = valueOf(AuxParId::EndTime);
+        return {LineParser::fromEpochSeconds(static_cast<qint64>(unixTime.toULongLong())), true};
+    const QVariant endTime = parameters.value(AuxParId::EndTime)->value();
     if (AuxParBaseLongLong::carriesValue(endTime))
-        return {wantTime ? LineParser::fromEpochSeconds(endTime.toLongLong()) : QDateTime(), true};
-    const QString isoText = frame.root.value(kIsoDate).toString();
-    if (wantTime) {
-        const QDateTime isoDate = QDateTime::fromString(isoText, Qt::ISODate);
-        if (isoDate.isValid())
-            return {isoDate, true};
-    } else if (isoDateIsValid(isoText)) {
-        return {QDateTime(), true};
-    }
+        return {LineParser::fromEpochSeconds(endTime.toLongLong()), true};
+    const QDateTime isoDate = QDateTime::fromString(frame.root.value(kIsoDate).toString(), Qt::ISODate);
+    if (isoDate.isValid())
+        return {isoDate, true};
     const QDateTime legacy = LineParser::parseLegacyDate(frame.root.value(kDate).toString());
     return {legacy, legacy.isValid()};
-}
-
-QVariant bodyValue(const QJsonObject &body, int type)
-{
-    const QJsonValue member = body.value(kAuxParKinds[type].key);
-    return present(member) ? valueFor(type, member) : QVariant();
 }
 
 QString undefinedText(const QStringList &leftKeys, const QJsonObject &body)
@@ -235,8 +187,7 @@ std::unique_ptr<Event> LineParser::parseLine(const QByteArray &line)
     undefined->setValue(undefinedText(unknownKeys, body));
     event->parameters.insert(std::move(undefined));
 
-    const ParameterMap &parameters = event->parameters;
-    const TimeChoice choice = chooseTime(frame, [&parameters](int type) { return parameters.value(type)->value(); });
+    const TimeChoice choice = chooseTime(frame, event->parameters);
     if (!choice.accepted)
         return nullptr;
     event->time = choice.time;
@@ -245,11 +196,17 @@ std::unique_ptr<Event> LineParser::parseLine(const QByteArray &line)
 
 bool LineParser::acceptsLine(const QByteArray &line)
 {
-    LineFrame frame;
-    if (!readFrame(line, frame))
-        return false;
-    const QJsonObject &body = frame.body;
-    return chooseTime(frame, [&body](int type) { return bodyValue(body, type); }, false).accepted;
+    return LineAcceptor().accepts(line);
+}
+
+QVariant LineParser::parameterValue(int type, const QJsonValue &member)
+{
+    return valueFor(type, member);
+}
+
+QString LineParser::memberText(const QJsonValue &member)
+{
+    return textOf(member);
 }
 
 QDateTime LineParser::fromEpochSeconds(qint64 seconds)

@@ -2,7 +2,10 @@
 
 #include "AbstractLogParser.h"
 
-// Every line that parses; scans on the calling thread.
+class LineReader;
+
+// Every line that parses. Full scans are split over worker threads; lines are judged
+// by LineAcceptor, which gives the line parser's answer without building events.
 class LogParser : public AbstractLogParser
 {
     Q_OBJECT
@@ -11,4 +14,7 @@ public:
 
 protected:
     void scan(QIODevice &file) override;
+
+private:
+    qint64 scanTail(LineReader &reader, qint64 size);
 };

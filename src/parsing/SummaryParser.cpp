@@ -1,7 +1,10 @@
 #include "SummaryParser.h"
 
 #include "Dictionary.h"
+#include "JsonLineScanner.h"
 #include "LineReader.h"
+#include "NameTable.h"
+#include "TimeTextReader.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -38,8 +41,62 @@ public:
     {
     }
 
-    // The light reading of a line: no Event, only priority, source and time.
-    Outcome take(const QByteArray &line)
+    // The light reading of a line: no Event, only priority, source and time, taken from
+    // one scan of the line; Qt's reader reads what the scan cannot decide.
+    Outcome take(const char *data, qsizetype size)
+    {
+        using Verdict = JsonLineScanner::Verdict;
+        using Kind = JsonLineScanner::Kind;
+        switch (m_scanner.scan(data, size)) {
+        case Verdict::Invalid: return NotJson;
+        // A document that is no object has no priority.
+        case Verdict::OtherDocument: return Skipped;
+        case Verdict::Unsure: return takeWithQt(QByteArray::fromRawData(data, int(size)));
+        case Verdict::Object: break;
+        }
+        const JsonLineScanner::Value &word = m_scanner.root(JsonLineScanner::Priority);
+        Event::Priority priority = Event::Unknown;
+        if (word.kind == Kind::String) {
+            priority = word.text.escaped ? Event::priorityFromWord(JsonLineScanner::text(word.text))
+                                         : Event::priorityFromWord(QLatin1String(word.text.data, word.text.size));
+        }
+        if (!m_dictionary.hasPriority(priority))
+            return Skipped;
+        if (m_scanner.root(JsonLineScanner::Msg).kind != Kind::Object || m_scanner.messageMembers() == 0
+            || m_scanner.messageNamesDiffer())
+            return Skipped;
+        // Members of one name collapse into one, which Qt picks.
+        if (m_scanner.messageMembers() > 1)
+            return takeWithQt(QByteArray::fromRawData(data, int(size)));
+        const JsonLineScanner::Value &isoDate = m_scanner.root(JsonLineScanner::IsoDate);
+        if (isoDate.kind != Kind::String)
+            return Skipped;
+        const TimeTextReader::Result time = isoDate.text.escaped
+            ? TimeTextReader::readIso(JsonLineScanner::text(isoDate.text))
+            : m_timeReader.readIso(isoDate.text.data, isoDate.text.size);
+        if (!time.valid)
+            return Skipped;
+        const qint64 ms = time.hasInstant
+            ? time.msecs
+            : QDateTime::fromString(JsonLineScanner::text(isoDate.text), Qt::ISODate).toMSecsSinceEpoch();
+        if (ms < m_oldest || ms > kLastPackableMs)
+            return Skipped;
+        // Groups by the priority and the source's name as written.
+        const JsonLineScanner::Text &source = m_scanner.message().name;
+        m_groupKey.resize(0);
+        m_groupKey.append(char(priority));
+        m_groupKey.append(source.data, source.size);
+        const quint16 *known = m_groupsByKey.find(m_groupKey.constData(), m_groupKey.size());
+        const quint16 group = known ? *known : (m_groupsByKey[m_groupKey] = groupOf(priority, JsonLineScanner::text(source)));
+        stamps.push_back((quint64(ms) << kGroupBits) | group);
+        return Kept;
+    }
+
+    std::vector<QPair<Event::Priority, QString>> groups;
+    std::vector<quint64> stamps;
+
+private:
+    Outcome takeWithQt(const QByteArray &line)
     {
         const QJsonDocument document = QJsonDocument::fromJson(line);
         if (document.isNull())
@@ -52,9 +109,6 @@ public:
         const QJsonObject msg = root.value(kMsgKey).toObject();
         if (msg.size() != 1)
             return Skipped;
-        QString source = msg.constBegin().key();
-        if (!m_dictionary.hasSource(source))
-            source = Dictionary::unrecognizedSource();
         const QDateTime time = QDateTime::fromString(root.value(kIsoDateKey).toString(), Qt::ISODate);
         if (!time.isValid())
             return Skipped;
@@ -62,23 +116,30 @@ public:
         // Older than a week now means older than a week for every later tally too.
         if (ms < m_oldest || ms > kLastPackableMs)
             return Skipped;
+        stamps.push_back((quint64(ms) << kGroupBits) | groupOf(priority, msg.constBegin().key()));
+        return Kept;
+    }
+
+    quint16 groupOf(Event::Priority priority, QString source)
+    {
+        if (!m_dictionary.hasSource(source))
+            source = Dictionary::unrecognizedSource();
         const QPair<int, QString> key(priority, source);
         auto it = m_groupIds.constFind(key);
         if (it == m_groupIds.constEnd()) {
             it = m_groupIds.insert(key, static_cast<quint16>(groups.size()));
             groups.emplace_back(priority, source);
         }
-        stamps.push_back((quint64(ms) << kGroupBits) | it.value());
-        return Kept;
+        return it.value();
     }
 
-    std::vector<QPair<Event::Priority, QString>> groups;
-    std::vector<quint64> stamps;
-
-private:
     qint64 m_oldest;
     const Dictionary &m_dictionary;
+    JsonLineScanner m_scanner;
+    TimeTextReader m_timeReader;
     QHash<QPair<int, QString>, quint16> m_groupIds;
+    NameTable<quint16> m_groupsByKey;
+    QByteArray m_groupKey;
 };
 
 void SummaryParser::merge(Collector &collector)
@@ -98,7 +159,9 @@ void SummaryParser::merge(Collector &collector)
         }
         global[i] = it.value();
     }
-    m_stamps.reserve(m_stamps.size() + collector.stamps.size());
+    // Room grows by doubling: reserving the exact size on every merge copied all stamps each time.
+    if (m_stamps.capacity() < m_stamps.size() + collector.stamps.size())
+        m_stamps.reserve(std::max(2 * m_stamps.capacity(), m_stamps.size() + collector.stamps.size()));
     for (const quint64 stamp : collector.stamps)
         m_stamps.push_back((stamp & ~kGroupMask) | global[stamp & kGroupMask]);
     collector.stamps.clear();
@@ -169,11 +232,11 @@ template<typename Read>
 AbstractLogParser::RangeEnd SummaryParser::collect(qint64 oldest, Read read)
 {
     Collector collector(oldest);
-    const RangeEnd end = read([this, &collector](qint64, const QByteArray &line) {
-        const bool readable = collector.take(line) != Collector::NotJson;
+    const RangeEnd end = read([this, &collector](qint64, const char *data, qint64 size) {
+        const bool readable = collector.take(data, size) != Collector::NotJson;
         if (collector.stamps.size() >= kMergeEvery)
             merge(collector);
-        return readable;
+        return readable ? Outcome::Skipped : Outcome::Unreadable;
     });
     merge(collector);
     return end;
@@ -188,5 +251,5 @@ qint64 SummaryParser::scanTail(LineReader &reader, qint64 oldest)
 
 AbstractLogParser::RangeEnd SummaryParser::scanRange(qint64 start, qint64 end, qint64 oldest)
 {
-    return collect(oldest, [this, start, end](auto take) { return readRange(start, end, take); });
+    return collect(oldest, [this, start, end](auto take) { return readRange(start, end, false, take); });
 }

@@ -61,3 +61,13 @@ QString SystemPaths::journalDir()
 {
     return resolve(QStringLiteral("/quorv/log/velmo"));
 }
+
+QString SystemPaths::adminModule()
+{
+    return resolve(QStringLiteral("/usr/bin/nimb-admin-events"));
+}
+
+QString SystemPaths::systemctl()
+{
+    return resolve(QStringLiteral("/bin/systemctl"));
+}

@@ -18,6 +18,10 @@ public:
     static QString logrotateFile();
     static QString defaultJournal();
     static QString journalDir();
+    // The administration module that writes notification rules.
+    static QString adminModule();
+    // The service manager the privileged helper restarts the logging service with.
+    static QString systemctl();
 
     // The default journal as stored in settings: without the sysroot prefix.
     static QString defaultJournalSetting();

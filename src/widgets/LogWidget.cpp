@@ -14,11 +14,14 @@
 
 #include "ui_LogWidget.h"
 
+#include <QHeaderView>
 #include <QMenu>
 #include <QScrollBar>
 #include <QTimer>
 
 #include <algorithm>
+#include <condition_variable>
+#include <mutex>
 
 namespace
 {
@@ -60,6 +63,10 @@ void LogWidget::init(const QList<QAction *> &contextActions)
 
     m_model = new EventsModel(this);
     ui->eventsView->setModel(m_model);
+    ui->eventsView->horizontalHeader()->setStretchLastSection(true);
+    // Column widths come from the rows on screen; measuring a whole page of text
+    // would hold up the interface thread.
+    ui->eventsView->horizontalHeader()->setResizeContentsPrecision(0);
     ui->bottomWidget->showFilter(m_filter);
     ui->splitter->setStretchFactor(0, 3);
     ui->splitter->setStretchFactor(1, 1);
@@ -251,9 +258,28 @@ void LogWidget::stopLoader()
     if (m_stopped)
         return;
     m_stopped = true;
+    if (!m_thread.isRunning())
+        return;
     // A long scan would otherwise hold the thread until it ends.
     m_parser->setStopFlag(true);
-    m_thread.quit();
+    // The last thing the loader thread does is tell this thread, through a lock the
+    // thread checkers understand, that it is done with the parser.
+    std::mutex mutex;
+    std::condition_variable condition;
+    bool done = false;
+    QMetaObject::invokeMethod(
+        m_loader.get(),
+        [&] {
+            QThread::currentThread()->quit();
+            std::lock_guard<std::mutex> lock(mutex);
+            done = true;
+            condition.notify_one();
+        },
+        Qt::QueuedConnection);
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        condition.wait(lock, [&] { return done; });
+    }
     m_thread.wait();
 }
 
@@ -373,6 +399,11 @@ void LogWidget::showPage(std::vector<Event *> events)
     const quint32 firstBefore = m_model->rowCount() > 0 ? m_model->event(0)->number : 0;
 
     m_model->setEvents(std::move(events));
+    if (!m_columnsSized && m_model->rowCount() > 0) {
+        // Widths from the first rows shown; later pages keep them, and the user's.
+        m_columnsSized = true;
+        view->resizeColumnsToContents();
+    }
 
     const quint32 firstAfter = m_model->rowCount() > 0 ? m_model->event(0)->number : 0;
     QItemSelection selection;

@@ -170,4 +170,5 @@ private:
     bool m_updatingPages = false;
     // The next page shown is scrolled to its end (the newest events).
     bool m_stickToBottom = false;
+    bool m_columnsSized = false;
 };

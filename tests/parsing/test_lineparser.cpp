@@ -1,5 +1,6 @@
 #include "AuxParRegistry.h"
 #include "LineParser.h"
+#include "LineCorpus.h"
 #include "NimbTestMain.h"
 
 #ifdef NIMB_HAVE_GENERATOR
@@ -29,120 +30,6 @@ const AuxPar *parameter(const Event &event, const char *key)
     return event.parameters.value(AuxParRegistry::instance().typeOf(QString::fromLatin1(key)));
 }
 
-// A corpus of journal-like lines, well-formed and broken in the ways real journals are.
-// Times vary most: they are where acceptsLine() and parseLine() could part ways.
-class Corpus
-{
-public:
-    explicit Corpus(quint32 seed) : m_random(seed) {}
-
-    QByteArray line()
-    {
-        QByteArrayList root;
-        maybe(root, 85, "PRIORITY", pick({"\"info\"", "\"Warning\"", "\"err\"", "7", "\"notice \""}));
-        maybe(root, 80, "HOST", pick({"\"alpha\"", "\"\"", "null", "[1]", "\"хост\""}));
-        // Dates, clock times and offsets, each well-formed or subtly not, in every combination.
-        maybe(root, 60, "ISODATE",
-              chance(10) ? pick({"null", "1709276400", "[]", "\"garbage\"", "\"\""})
-                         : '"' + pick({"2024-03-01", "2024-02-29", "2023-02-29", "2024-13-01", "0000-01-01", "2024/03/01"})
-                               + pick({"T", "T", "t", " "})
-                               + pick({"10:15:00", "23:59:59", "24:00:00", "23:60:00", "23:59:60", "10:00:00.123", "10:15"})
-                               + pick({"", "Z", "z", "+03:00", "-11:30", "+14:59", "+15:00", "+03:60", "+0300"}) + '"');
-        maybe(root, 50, "DATE",
-              chance(10) ? pick({"null", "12", "\"\""})
-                         : '"' + pick({"Mar", "Jan", "Feb", "Dec", "jan", "Foo"})
-                               + pick({"  1 ", " 5 ", " 29 ", " 30 ", " 32 ", "\\n5\\n"})
-                               + pick({"10:15:00", "23:59:59", "24:00:00", "23:59:60", "10:00", "10:00:00 x"}) + '"');
-        maybe(root, 95, "MSG", msg());
-        std::shuffle(root.begin(), root.end(), m_random);
-        return mutate('{' + root.join(',') + '}');
-    }
-
-private:
-    bool chance(int percent) { return int(m_random() % 100) < percent; }
-    int below(int n) { return int(m_random() % quint32(n)); }
-    QByteArray pick(std::initializer_list<const char *> items) { return items.begin()[below(int(items.size()))]; }
-    QByteArray quoted(std::initializer_list<const char *> items) { return '"' + pick(items) + '"'; }
-
-    void maybe(QByteArrayList &members, int percent, const QByteArray &key, const QByteArray &value)
-    {
-        if (chance(percent))
-            members.append('"' + key + "\":" + value);
-    }
-
-    QByteArray value()
-    {
-        switch (below(4)) {
-        case 0:
-            return quoted({"root", "", "\\n", "failed", "maybe", "not yes", "10", "0xFFFFFFFF", "4294967295", "Ёлка",
-                           "Пользователь", "\\u0000", "\\ud800", "\\\"quoted\\\"", "2024-03-01T12:00:00", "1:2:3", "𝄞"});
-        case 1:
-            return pick({"0", "1", "-1", "42", "65535", "4294967295", "4294967296", "-4294967297", "9007199254740993",
-                         "1e30", "-1e300", "1.5", "-0", "18446744073709551615", "1e400"});
-        case 2: return pick({"true", "false", "null", "[]", "[1,\"a\"]", "{}", "{\"a\":1}"});
-        default: return '"' + QByteArray::number(qint64(quint64(m_random()) << 32 | m_random())) + '"';
-        }
-    }
-
-    QByteArray timeValue()
-    {
-        if (chance(70))
-            return pick({"1709276400", "4294967295", "\"4294967295\"", "0", "-1", "-2", "\"0xFFFFFFFF\"", "4294967296",
-                         "1e17", "-1e17", "1e300", "\"1709276400\"", "\"  12\"", "1.9", "true", "null", "\"\"", "[]"});
-        return value();
-    }
-
-    QByteArray msg()
-    {
-        switch (below(16)) {
-        case 0: return pick({"{}", "{\"kernel\":{},\"sshd\":{}}", "[]", "null", "\"kernel\"", "[{\"kernel\":{}}]"});
-        case 1: return "{\"kernel\":" + value() + '}';
-        default: return '{' + quoted({"kernel", "sshd", "", "источник"}) + ':' + body() + '}';
-        }
-    }
-
-    QByteArray body()
-    {
-        QByteArrayList members;
-        maybe(members, 80, "message_id", chance(85) ? QByteArray("\"1001\"") : value());
-        maybe(members, 70, "name_en", chance(85) ? QByteArray("\"User logged in\"") : value());
-        maybe(members, 70, "name_ru", chance(85) ? QByteArray("\"Вход пользователя\"") : value());
-        maybe(members, 25, "time",
-              chance(60) ? quoted({"2024-03-01T12:00:00", "2024-03-01T12:00:00+03:00", "garbage", "", "1709276400"})
-                         : timeValue());
-        for (const char *key : {"unixtime", "end_time", "start_time"})
-            maybe(members, 25, key, timeValue());
-        // Keys repeat only through the mutations below, which repeat them with plain
-        // values: Qt 5.15's reader leaks an object or array that a repeated key replaces.
-        QByteArrayList others{"uid", "gid", "pid", "user", "result", "success", "onsudo", "obj", "signal", "source",
-                              "host", "undefined", "command", "deny", "site code", "shift", "foo", "", "MSG", "время"};
-        std::shuffle(others.begin(), others.end(), m_random);
-        for (const QByteArray &key : others.mid(0, below(8)))
-            maybe(members, 100, key, value());
-        std::shuffle(members.begin(), members.end(), m_random);
-        return '{' + members.join(',') + '}';
-    }
-
-    QByteArray mutate(QByteArray text)
-    {
-        switch (below(16)) {
-        case 0: return text.left(below(text.size() + 1)); // a truncated last line
-        case 1: return text.remove(below(text.size()), 1);
-        case 2: return text.insert(below(text.size() + 1), pick({"\"", "{", "}", ",", ":", "\\", "\n", "\xff"}));
-        case 3: return text + pick({"\n", "\r\n", " trailing"});
-        case 4: return "\xEF\xBB\xBF" + text;
-        case 5: return '[' + text + ']';
-        case 6: return text.replace("\"MSG\"", "\"msg\"");
-        // The same key twice, as a careless writer might produce.
-        case 7:
-            return text.replace("\"unixtime\":", "\"unixtime\":4294967295,\"unixtime\":")
-                .replace("\"time\":", "\"time\":null,\"time\":");
-        default: return text;
-        }
-    }
-
-    std::mt19937 m_random;
-};
 }
 
 class TestLineParser : public QObject
@@ -153,9 +40,9 @@ private slots:
     // First on purpose: the threads also race to build the process-wide tables.
     void acceptanceAgreesWithParsingOnEveryThread()
     {
-        Corpus corpus(20240301);
+        corpus::Corpus lineCorpus(20240301);
         QVector<QByteArray> lines(10000);
-        std::generate(lines.begin(), lines.end(), [&corpus] { return corpus.line(); });
+        std::generate(lines.begin(), lines.end(), [&lineCorpus] { return lineCorpus.line(); });
 #ifdef NIMB_HAVE_GENERATOR
         // Seed, lines, no size, days, malformed lines per mille, newest time.
         const nimbgen::GeneratorOptions options{7, 3000, -1, 10, 100, 1709276400};

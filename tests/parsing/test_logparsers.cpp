@@ -12,8 +12,13 @@ namespace
 {
 using Make = std::function<std::unique_ptr<AbstractLogParser>(const QString &)>;
 
-// The sequential parser and the parallel one must agree on every file.
-const QVector<Make> kKinds{[](const QString &path) { return std::make_unique<LogParser>(path); },
+// Counting every line and filtering with an empty filter must agree on every file, with
+// any number of workers.
+const QVector<Make> kKinds{[](const QString &path) {
+                               auto parser = std::make_unique<LogParser>(path);
+                               parser->setWorkerCount(3);
+                               return parser;
+                           },
                            [](const QString &path) {
                                auto parser = std::make_unique<FilteringLogParser>(path);
                                parser->setWorkerCount(2);
@@ -64,8 +69,8 @@ private slots:
     void longLinesSingleLinesAndMissingFiles()
     {
         const QString path = newPath();
-        // Longer than a page read and than a worker's search for its first line.
-        const QByteArray longLine = fixture::line("long", "warning", "velmo-auth", QDateTime::currentDateTime(), 40000);
+        // Longer than a page read, than a worker's search for its first line and than 64 KB.
+        const QByteArray longLine = fixture::line("long", "warning", "velmo-auth", QDateTime::currentDateTime(), 70000);
         fixture::write(path, fixture::line("first") + "\n" + longLine + "\n" + fixture::line("last"));
         for (const Make &make : kKinds)
             QCOMPARE(allIds(*make(path)), QStringList({"first", "long", "last"}));

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+// Start-up and window events; silent unless enabled, e.g. with
+// QT_LOGGING_RULES="nimb.app.info=true".
+Q_DECLARE_LOGGING_CATEGORY(nimbApp)

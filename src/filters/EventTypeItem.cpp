@@ -1,0 +1,9 @@
+#include "EventTypeItem.h"
+
+EventTypeItem::EventTypeItem(const QString &displayText, const QString &typeText, QTreeWidgetItem *parent)
+    : QTreeWidgetItem(parent, Type), m_typeText(typeText)
+{
+    setText(0, displayText);
+    setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
+    setCheckState(0, Qt::Unchecked);
+}

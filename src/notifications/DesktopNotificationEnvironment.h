@@ -1,0 +1,27 @@
+#pragma once
+
+#include "NotificationEnvironment.h"
+
+#include <QPointer>
+
+class QWidget;
+
+// The real thing: processes that are children of the window, KAuth actions of the
+// viewer's helper, message boxes over the window.
+class DesktopNotificationEnvironment : public NotificationEnvironment
+{
+public:
+    explicit DesktopNotificationEnvironment(QWidget *window);
+
+    void startProgram(const QString &program, const QStringList &arguments, QObject *context,
+                      std::function<void()> finished) override;
+    HelperResult runHelperAction(const QString &action, const QVariantMap &arguments) override;
+    void startHelperAction(const QString &action, const QVariantMap &arguments) override;
+    void showMessage(const QString &text) override;
+
+    // The identifier under which the helper registers; every action name starts with it.
+    static QString helperId();
+
+private:
+    QPointer<QWidget> m_window;
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "HelperPolicy.h"
+
+#include <KAuth/ActionReply>
+
+#include <QObject>
+#include <QVariantMap>
+
+// The privileged side of the viewer's notification commands. KAuth calls the slot
+// named after the last part of the action's name.
+class NotificationHelper : public QObject
+{
+    Q_OBJECT
+public:
+    // On the system's rule directory and service manager.
+    NotificationHelper();
+    explicit NotificationHelper(HelperPolicy policy);
+
+public Q_SLOTS:
+    KAuth::ActionReply removeconfig(const QVariantMap &args);
+    KAuth::ActionReply loggingservicectl(const QVariantMap &args);
+
+private:
+    HelperPolicy m_policy;
+};

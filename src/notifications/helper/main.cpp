@@ -1,0 +1,5 @@
+#include "NotificationHelper.h"
+
+#include <KAuth/HelperSupport>
+
+KAUTH_HELPER_MAIN(NIMB_KAUTH_HELPER_ID, NotificationHelper)

@@ -1,0 +1,19 @@
+#include "OutputProgress.h"
+
+#include <algorithm>
+
+OutputProgress::OutputProgress(QObject *parent)
+    : QObject(parent)
+{
+}
+
+void OutputProgress::report(qint64 done, qint64 total)
+{
+    if (total <= 0)
+        return;
+    const int percent = static_cast<int>(std::min<qint64>(100, done * 100 / total));
+    if (percent > m_percent.load(std::memory_order_relaxed)) {
+        m_percent.store(percent, std::memory_order_relaxed);
+        Q_EMIT percentChanged(percent);
+    }
+}

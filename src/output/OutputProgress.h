@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QObject>
+
+#include <atomic>
+
+// Progress and cancellation of one export or print job. The job's thread reports,
+// any thread may ask to stop; percentChanged reaches receivers on other threads
+// through queued delivery.
+class OutputProgress : public QObject
+{
+    Q_OBJECT
+public:
+    explicit OutputProgress(QObject *parent = nullptr);
+
+    // Emits percentChanged when the whole percent grows.
+    void report(qint64 done, qint64 total);
+    int percent() const { return m_percent.load(std::memory_order_relaxed); }
+
+    void requestStop() { m_stop.store(true, std::memory_order_relaxed); }
+    bool stopRequested() const { return m_stop.load(std::memory_order_relaxed); }
+
+Q_SIGNALS:
+    void percentChanged(int percent);
+
+private:
+    std::atomic<int> m_percent{0};
+    std::atomic<bool> m_stop{false};
+};

@@ -1,0 +1,187 @@
+#include "LogInfoWindow.h"
+
+#include "ui_LogInfoWindow.h"
+
+#include "SystemPaths.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace
+{
+constexpr int kWidestPathChars = 90;
+
+// Not every file system records a birth time.
+QString timeText(const QDateTime &time)
+{
+    return time.isValid() ? time.toString(Qt::TextDate) : LogInfoWindow::tr("unknown");
+}
+
+// The rotation file names logs by their system paths; a test or demo tree prefixes
+// ours with its root.
+QString systemPathOf(const QString &path)
+{
+    const QString root = SystemPaths::sysroot();
+    if (root.isEmpty() || root == QLatin1String("/") || !path.startsWith(root + QLatin1Char('/')))
+        return path;
+    return path.mid(root.size());
+}
+
+// "size N", "size NK", "size NM" or "size NG"; false when the line is no such rule.
+bool parseSizeRule(const QString &line, LogInfoWindow::Rotation *rotation)
+{
+    QStringList parts = line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    parts.removeAll(QStringLiteral(" "));
+    parts.removeAll(QStringLiteral("\t"));
+    parts.removeAll(QStringLiteral("\n"));
+    if (parts.size() != 2)
+        return false;
+    QString number = parts.at(1).simplified();
+    qint32 kind = LogInfoWindow::SizeBytes;
+    if (number.endsWith(QLatin1Char('K'), Qt::CaseInsensitive))
+        kind = LogInfoWindow::SizeKilobytes;
+    else if (number.endsWith(QLatin1Char('M'), Qt::CaseInsensitive))
+        kind = LogInfoWindow::SizeMegabytes;
+    else if (number.endsWith(QLatin1Char('G'), Qt::CaseInsensitive))
+        kind = LogInfoWindow::SizeGigabytes;
+    if (kind != LogInfoWindow::SizeBytes)
+        number.chop(1);
+    bool ok = false;
+    const uint size = number.toUInt(&ok, 10);
+    if (!ok) {
+        rotation->kind = LogInfoWindow::NoRotation;
+        return true;
+    }
+    rotation->kind = kind;
+    rotation->size = size;
+    return true;
+}
+}
+
+LogInfoWindow::LogInfoWindow(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::LogInfoWindow>())
+{
+    ui->setupUi(this);
+    fill(LogFileInfo());
+}
+
+LogInfoWindow::~LogInfoWindow() = default;
+
+LogInfoWindow::LogFileInfo LogInfoWindow::infoFor(const QString &path, bool mainLog)
+{
+    const QFileInfo file(path);
+    LogFileInfo info;
+    info.path = file.absoluteFilePath();
+    info.size = quint64(file.size());
+    info.birthTime = file.birthTime();
+    info.lastModified = file.lastModified();
+    if (mainLog)
+        info.rotation = readRotation(SystemPaths::logrotateFile(), systemPathOf(info.path));
+    return info;
+}
+
+LogInfoWindow::Rotation LogInfoWindow::readRotation(const QString &logrotateFile, const QString &logPath)
+{
+    Rotation rotation;
+    QFile file(logrotateFile);
+    if (!file.open(QIODevice::ReadOnly))
+        return rotation;
+    static const QStringList periods{QStringLiteral("daily"), QStringLiteral("weekly"), QStringLiteral("monthly"),
+                                     QStringLiteral("yearly")};
+    bool matching = false;
+    while (!file.atEnd()) {
+        const QString line = QString::fromLatin1(file.readLine()).simplified();
+        if (!matching) {
+            matching = line == logPath;
+            continue;
+        }
+        const int period = periods.indexOf(line);
+        if (period >= 0) {
+            rotation.kind = Daily + period;
+            break;
+        }
+        if (line.startsWith(QLatin1String("size")))
+            parseSizeRule(line, &rotation);
+    }
+    return rotation;
+}
+
+QString LogInfoWindow::sizeText(quint64 bytes)
+{
+    const QString pattern = QStringLiteral("%1 %2");
+    // Uneven on purpose: a unit is used only once the size is more than one whole of it.
+    const double gigabytes = double(bytes) / 1073741824.0;
+    if (gigabytes > 1.0)
+        return pattern.arg(QString::number(gigabytes, 'g', 6), tr("gigabytes"));
+    const double megabytes = double(bytes) / 1048576.0;
+    if (megabytes > 1.0)
+        return pattern.arg(QString::number(megabytes, 'g', 6), tr("megabytes"));
+    if (bytes < 2048)
+        return pattern.arg(QString::number(bytes), tr("bytes"));
+    return pattern.arg(QString::number(bytes >> 10), tr("kilobytes"));
+}
+
+QString LogInfoWindow::rotationText(const Rotation &rotation)
+{
+    const QString pattern = QStringLiteral("%1 %2");
+    switch (rotation.kind) {
+    case SizeBytes:
+        return pattern.arg(QString::number(rotation.size), tr("bytes"));
+    case SizeKilobytes:
+        return pattern.arg(QString::number(rotation.size), tr("kilobytes"));
+    case SizeMegabytes:
+        return pattern.arg(QString::number(rotation.size), tr("megabytes"));
+    case SizeGigabytes:
+        return pattern.arg(QString::number(rotation.size), tr("gigabytes"));
+    // The logging service's own words, shown as its configuration spells them.
+    case Daily:
+        return QStringLiteral("daily");
+    case Weekly:
+        return QStringLiteral("weekly");
+    case Monthly:
+        return QStringLiteral("monthly");
+    case Yearly:
+        return QStringLiteral("yearly");
+    default:
+        return QString();
+    }
+}
+
+void LogInfoWindow::fill(const LogFileInfo &info)
+{
+    // A path longer than a reasonable dialog is shortened in the middle, where it
+    // least hurts; the whole of it stays in the tool tip.
+    int widest = ui->path->fontMetrics().averageCharWidth() * kWidestPathChars;
+    if (const QScreen *screen = this->screen()) {
+        // A dialog is kept to two thirds of the screen; the captions and margins take their share.
+        int captions = 0;
+        for (const QLabel *caption : {ui->labelPath, ui->labelSize, ui->labelBirthTime, ui->labelLastModified,
+                                      ui->labelRotation})
+            captions = std::max(captions, caption->sizeHint().width());
+        const QMargins margins = layout()->contentsMargins();
+        const int room = screen->availableGeometry().width() * 2 / 3 - captions
+                         - ui->formLayout->spacing() - margins.left() - margins.right() - 8;
+        widest = std::max(std::min(widest, room), ui->path->minimumWidth());
+    }
+    ui->path->setText(ui->path->fontMetrics().elidedText(info.path, Qt::ElideMiddle, widest));
+    ui->path->setToolTip(info.path);
+    ui->size->setText(sizeText(info.size));
+    ui->birth->setText(timeText(info.birthTime));
+    ui->modified->setText(timeText(info.lastModified));
+    const QString rotation = rotationText(info.rotation);
+    ui->rotation->setText(rotation);
+    ui->labelRotation->setVisible(!rotation.isEmpty());
+    ui->rotation->setVisible(!rotation.isEmpty());
+    // The layouts keep their old size hints until the next event loop pass; the
+    // dialog is to fit the new texts now.
+    ui->formLayout->invalidate();
+    layout()->invalidate();
+    adjustSize();
+}
+
+void LogInfoWindow::fill(const QString &path, bool mainLog)
+{
+    fill(infoFor(path, mainLog));
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QDateTime>
+#include <QDialog>
+#include <QString>
+
+#include <memory>
+
+namespace Ui
+{
+class LogInfoWindow;
+}
+
+// Describes the file behind a tab: path, size, times and, for the main log, the
+// rotation scheme the logging service applies to it.
+class LogInfoWindow : public QDialog
+{
+    Q_OBJECT
+public:
+    enum RotationKind : qint32 {
+        NoRotation = 0,
+        SizeBytes = 1,
+        SizeKilobytes = 2,
+        SizeMegabytes = 3,
+        SizeGigabytes = 4,
+        Daily = 5,
+        Weekly = 6,
+        Monthly = 7,
+        Yearly = 8,
+    };
+
+    struct Rotation {
+        qint32 kind = NoRotation;
+        quint32 size = 0;
+    };
+
+    struct LogFileInfo {
+        QString path;
+        quint64 size = 0;
+        QDateTime birthTime;
+        QDateTime lastModified;
+        Rotation rotation;
+    };
+
+    explicit LogInfoWindow(QWidget *parent = nullptr);
+    ~LogInfoWindow() override;
+
+    // The record of a log file; the rotation is looked up only for the main log.
+    static LogFileInfo infoFor(const QString &path, bool mainLog);
+    // The rule for `logPath` in a log-rotation file; NoRotation when there is none.
+    static Rotation readRotation(const QString &logrotateFile, const QString &logPath);
+    // The size as the dialog words it, e.g. "2 kilobytes".
+    static QString sizeText(quint64 bytes);
+    // The rotation as the dialog words it; empty for NoRotation.
+    static QString rotationText(const Rotation &rotation);
+
+    void fill(const LogFileInfo &info);
+    // Shortcut for fill(infoFor(path, mainLog)).
+    void fill(const QString &path, bool mainLog);
+
+private:
+    std::unique_ptr<Ui::LogInfoWindow> ui;
+};

@@ -1,0 +1,600 @@
+#include "BottomWidget.h"
+#include "ColumnChooser.h"
+#include "ConfigHandler.h"
+#include "DetailsWindow.h"
+#include "EventsModel.h"
+#include "EventsView.h"
+#include "JournalGenerator.h"
+#include "LogParser.h"
+#include "LogWidget.h"
+#include "MainLogWidget.h"
+#include "MainWindow.h"
+#include "NimbTestMain.h"
+#include "TsanDefaults.h"
+
+#include <KAcceleratorManager>
+
+#include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QStandardItemModel>
+#include <QStandardPaths>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QToolBar>
+#include <QToolButton>
+
+#include <algorithm>
+#include <memory>
+
+namespace
+{
+// A system tree of the demo's descriptions with a journal of its own, made once per run.
+QTemporaryDir *g_sysroot = nullptr;
+
+QString journalDir()
+{
+    return g_sysroot->path() + QStringLiteral("/quorv/log/velmo");
+}
+
+QString mainJournal()
+{
+    return journalDir() + QStringLiteral("/events");
+}
+
+bool makeSysroot()
+{
+    const QString demo = QStringLiteral(NIMB_DEMO_DIR "/sysroot");
+    const QString root = g_sysroot->path();
+    if (!QFile::link(demo + QStringLiteral("/etc"), root + QStringLiteral("/etc"))
+        || !QFile::link(demo + QStringLiteral("/usr"), root + QStringLiteral("/usr")) || !QDir().mkpath(journalDir()))
+        return false;
+    nimbgen::GeneratorOptions options;
+    options.seed = 7;
+    options.lines = 3000;
+    options.malformedPermille = 0;
+    options.end = QDateTime(QDate(2024, 3, 1), QTime(12, 0), Qt::UTC).toSecsSinceEpoch();
+    QFile journal(mainJournal());
+    return journal.open(QIODevice::WriteOnly) && nimbgen::JournalGenerator(nimbgen::Catalogue::builtIn(), options).write(&journal);
+}
+
+QStringList texts(const QList<QAction *> &actions)
+{
+    QStringList result;
+    for (const QAction *action : actions)
+        result.append(action->isSeparator() ? QStringLiteral("|") : action->menu() ? action->menu()->title() : action->text());
+    return result;
+}
+
+QString menuTitles(const QMenuBar *bar)
+{
+    return texts(bar->actions()).mid(0, 3).join(QLatin1Char(','));
+}
+}
+
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<MainWindow> m_window;
+    QTemporaryDir m_files;
+
+    MainWindow &window()
+    {
+        if (!m_window)
+            m_window = std::make_unique<MainWindow>();
+        return *m_window;
+    }
+    QTabWidget *tabs() { return window().findChild<QTabWidget *>(QStringLiteral("tabWidget")); }
+    QAction *action(const char *name) { return window().findChild<QAction *>(QLatin1String(name)); }
+    QMenu *menu(const char *name) { return window().findChild<QMenu *>(QLatin1String(name)); }
+    LogWidget *current() { return qobject_cast<LogWidget *>(tabs()->currentWidget()); }
+    ColumnChooser *chooser() { return window().findChild<ColumnChooser *>(QStringLiteral("columnChooser")); }
+
+    // Waits until the tab has counted and shows its page.
+    bool loaded(LogWidget *tab)
+    {
+        return QTest::qWaitFor([tab] { return !tab->isLoading() && tab->eventCount() > 0 && tab->model()->rowCount() > 0; },
+                               10000);
+    }
+
+    LogWidget *openFile(const QString &path)
+    {
+        window().openLog(path);
+        return current();
+    }
+
+    QString copyOfJournal(const QString &name)
+    {
+        const QString path = m_files.filePath(name);
+        QFile::remove(path);
+        return QFile::copy(mainJournal(), path) ? path : QString();
+    }
+
+    void selectFirstRow(LogWidget *tab)
+    {
+        tab->view()->selectRow(0);
+    }
+
+    // Closes the window once its tabs are at rest. Closing in the middle of a count
+    // is the window's business too, but a loader stopped that way is ordered with the
+    // tab's destruction only through Qt's own locks, which ThreadSanitizer cannot see.
+    void closeWindow()
+    {
+        if (!m_window)
+            return;
+        const auto tabs = m_window->findChildren<LogWidget *>();
+        QVERIFY(QTest::qWaitFor([&tabs] {
+            return std::none_of(tabs.begin(), tabs.end(), [](const LogWidget *tab) { return tab->isLoading(); });
+        }, 10000));
+        m_window.reset();
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        // Every case starts as a first run.
+        const QString config = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+        QDir(config + QStringLiteral("/trelvik")).removeRecursively();
+    }
+
+    void cleanup()
+    {
+        closeWindow();
+    }
+
+    void actionsMenusAndToolbar()
+    {
+        QCOMPARE(window().windowTitle(), QStringLiteral("System events journal"));
+        QCOMPARE(menuTitles(window().menuBar()), QStringLiteral("&File,&Log,&Settings"));
+        QCOMPARE(window().menuBar()->actions().size(), 4); // and the help menu
+        QCOMPARE(texts(menu("menuFile")->actions()),
+                 QStringList({"Open log", "Copy", "Recently opened files", "|", "Print", "Export", "|", "Exit"}));
+        const QStringList log{"Start reading", "Stop reading", "|", "Clear table", "Refresh log", "Filter",
+                              "Saved filters", "Summary of events", "Show log info"};
+        QCOMPARE(texts(menu("menuLog")->actions()).mid(0, log.size()), log);
+        QVERIFY(texts(menu("menuLog")->actions()).contains(QStringLiteral("Favorite events")));
+        QCOMPARE(texts(menu("menuSettings")->actions()), QStringList({"Application settings", "Show details"}));
+
+        auto *toolBar = window().findChild<QToolBar *>(QStringLiteral("toolBar"));
+        QVERIFY(toolBar);
+        QVERIFY(!toolBar->isMovable());
+        QCOMPARE(toolBar->allowedAreas(), Qt::TopToolBarArea);
+        QCOMPARE(toolBar->contextMenuPolicy(), Qt::NoContextMenu);
+        QCOMPARE(window().contextMenuPolicy(), Qt::NoContextMenu);
+        const QList<QAction *> tools = toolBar->actions();
+        QStringList tips;
+        for (const QAction *tool : tools)
+            tips.append(tool->isSeparator() ? QStringLiteral("|") : tool->toolTip());
+        tips.removeLast();
+        QCOMPARE(tips, QStringList({"Open log", "Copy", "|", "Event details", "Print", "Log export", "Summary of events",
+                                    "|", "Start reading", "Stop reading", "|", "Clear table", "Refresh log",
+                                    "Message filter", "|", "Show log info", "|"}));
+        QCOMPARE(toolBar->widgetForAction(tools.last()), chooser());
+
+        // Shortcuts, tags and the states before anything is selected.
+        QCOMPARE(action("actionCopy")->shortcut(), QKeySequence(QStringLiteral("Ctrl+C")));
+        QCOMPARE(action("actionExit")->shortcut(), QKeySequence(QStringLiteral("Ctrl+Q")));
+        QCOMPARE(action("actionExport")->shortcut(), QKeySequence(QStringLiteral("Ctrl+E")));
+        QCOMPARE(action("actionOpenLog")->shortcut(), QKeySequence(QStringLiteral("Ctrl+O")));
+        QCOMPARE(action("actionPrint")->shortcut(), QKeySequence(QStringLiteral("Ctrl+P")));
+        const QStringList tags{"filterById", "notifyById", "disableNotifications", "enableNotifications",
+                               "addToFavs", "removeFromFavs"};
+        for (const QString &tag : tags) {
+            int found = 0;
+            for (const QAction *candidate : window().findChildren<QAction *>())
+                found += candidate->data().toString() == tag;
+            QVERIFY2(found == 1, qPrintable(tag));
+        }
+        QVERIFY(!action("actionCopy")->isEnabled());
+        QVERIFY(!action("actionEventDetails")->isEnabled());
+        QVERIFY(!action("actionRefreshLog")->isEnabled());
+        QVERIFY(action("actionShowDetails")->isCheckable() && action("actionShowDetails")->isChecked());
+
+        // "Event details" is an icon alone; its name is in the tool tip.
+        QAction *details = action("actionEventDetails");
+        QVERIFY(details->text().isEmpty());
+        QVERIFY(!details->icon().isNull());
+        auto *button = qobject_cast<QToolButton *>(toolBar->widgetForAction(details));
+        QVERIFY(button);
+        QVERIFY(button->text().isEmpty());
+        QCOMPARE(button->toolTip(), QStringLiteral("Event details"));
+
+        // A first run has no favourites, saved filters or recent files.
+        QCOMPARE(texts(menu("menuFavoriteEvents")->actions()), QStringList({"Edit list"}));
+        QVERIFY(!menu("menuSavedFilters")->isEnabled());
+        QVERIFY(menu("menuRecentFiles")->actions().isEmpty());
+
+        QStandardItemModel *columns = chooser()->columnModel();
+        QCOMPARE(columns->item(0)->text(), QStringLiteral("Show columns"));
+        QVERIFY(!columns->item(0)->isCheckable());
+        QCOMPARE(columns->rowCount(), EventsModel().columnCount() - EventsModel().firstAuxColumn() + 1);
+        for (int row = 1; row < columns->rowCount(); ++row)
+            QCOMPARE(columns->item(row)->flags(), Qt::ItemIsUserCheckable | Qt::ItemIsEnabled);
+        QCOMPARE(chooser()->currentText(), QStringLiteral("Show columns"));
+    }
+
+    void mainTabCannotBeClosed()
+    {
+        QCOMPARE(tabs()->count(), 1);
+        QCOMPARE(tabs()->tabText(0), QStringLiteral("MAIN LOG"));
+        auto *main = qobject_cast<MainLogWidget *>(tabs()->widget(0));
+        QVERIFY(main);
+        QCOMPARE(main->logPath(), mainJournal());
+        QVERIFY(main->isFollowing());
+        QVERIFY(!action("actionStartReading")->isEnabled());
+        QVERIFY(action("actionStopReading")->isEnabled());
+        QVERIFY(!tabs()->tabBar()->tabButton(0, QTabBar::RightSide));
+        QVERIFY(!tabs()->tabBar()->tabButton(0, QTabBar::LeftSide));
+
+        QVERIFY(loaded(main));
+        LogParser parser(mainJournal());
+        QCOMPARE(main->eventCount(), parser.count());
+        QCOMPARE(window().statusBar()->currentMessage(), main->feedbackText());
+        QVERIFY(!main->feedbackText().isEmpty());
+
+        emit tabs()->tabCloseRequested(0);
+        emit tabs()->tabCloseRequested(-1);
+        emit tabs()->tabCloseRequested(1);
+        QCOMPARE(tabs()->count(), 1);
+        QCOMPARE(tabs()->widget(0), main);
+    }
+
+    void openingFiles()
+    {
+        const QString path = copyOfJournal(QStringLiteral("copy.log"));
+        LogWidget *opened = openFile(path);
+        QCOMPARE(tabs()->count(), 2);
+        QCOMPARE(tabs()->tabText(1), path);
+        QCOMPARE(qobject_cast<MainLogWidget *>(opened), nullptr);
+        QVERIFY(tabs()->tabBar()->tabButton(1, QTabBar::RightSide) || tabs()->tabBar()->tabButton(1, QTabBar::LeftSide));
+        QVERIFY(loaded(opened));
+        QCOMPARE(texts(menu("menuRecentFiles")->actions()), QStringList({path}));
+
+        // Opened again, from the dialog's path or the recent list: the same tab comes forward.
+        tabs()->setCurrentIndex(0);
+        window().openLog(path);
+        QCOMPARE(tabs()->count(), 2);
+        QCOMPARE(tabs()->currentIndex(), 1);
+        tabs()->setCurrentIndex(0);
+        menu("menuRecentFiles")->actions().first()->trigger();
+        QCOMPARE(tabs()->count(), 2);
+        QCOMPARE(tabs()->currentIndex(), 1);
+
+        // A file that is no journal says so in the status bar and leaves the rest alone.
+        openFile(m_files.filePath(QStringLiteral("missing.log")));
+        QCOMPARE(tabs()->count(), 3);
+        QTRY_COMPARE(window().statusBar()->currentMessage(), QStringLiteral("Can't open log file."));
+        tabs()->setCurrentIndex(0);
+        QVERIFY(loaded(current()));
+        QCOMPARE(window().statusBar()->currentMessage(), current()->feedbackText());
+        QCOMPARE(menu("menuRecentFiles")->actions().size(), 2);
+
+        // The desktop adds accelerators to whatever window becomes active; paths
+        // and the base of filtered titles must come through unchanged.
+        KAcceleratorManager::manage(&window());
+        QCOMPARE(tabs()->tabText(0), QStringLiteral("MAIN LOG"));
+        QCOMPARE(tabs()->tabText(1), path);
+        window().openLog(path);
+        QCOMPARE(tabs()->count(), 3);
+        QCOMPARE(tabs()->currentIndex(), 1);
+    }
+
+    void compressedRotations_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("program");
+        QTest::newRow("gzip") << "events.2.gz" << "gzip";
+        QTest::newRow("bzip2") << "events.3.bz2" << "bzip2";
+        QTest::newRow("xz") << "events.4.xz" << "xz";
+        QTest::newRow("zstd") << "events.5.zst" << "zstd";
+    }
+
+    void compressedRotations()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, program);
+        const QString packed = m_files.filePath(name);
+        QFile::remove(packed);
+        QProcess pack;
+        pack.setStandardInputFile(mainJournal());
+        pack.setStandardOutputFile(packed);
+        pack.start(program, {QStringLiteral("-c")});
+        QVERIFY2(pack.waitForFinished(10000) && pack.exitCode() == 0, qPrintable(program));
+
+        LogWidget *tab = openFile(packed);
+        QCOMPARE(tabs()->tabText(tabs()->currentIndex()), packed);
+        QVERIFY(loaded(tab));
+        QCOMPARE(tab->eventCount(), LogParser(mainJournal()).count());
+        QCOMPARE(window().statusBar()->currentMessage(), tab->feedbackText());
+    }
+
+    void filteringOpensOrRefilters()
+    {
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        selectFirstRow(main);
+        const QString first = main->currentEvent()->messageId;
+        action("actionAddToFavorites")->trigger();
+        QCOMPARE(texts(menu("menuFavoriteEvents")->actions()), QStringList({first, "|", "Edit list"}));
+
+        // The main journal being followed: its filtered view follows it too.
+        menu("menuFavoriteEvents")->actions().first()->trigger();
+        QCOMPARE(tabs()->count(), 2);
+        QCOMPARE(tabs()->tabText(1), QStringLiteral("MAIN LOG (filtered)"));
+        LogWidget *filtered = current();
+        QCOMPARE(filtered, tabs()->widget(1));
+        QVERIFY(filtered->isFiltered());
+        QCOMPARE(filtered->filter().id, first);
+        auto *followed = qobject_cast<MainLogWidget *>(filtered);
+        QVERIFY(followed && followed->isFollowing());
+        QVERIFY(!action("actionStartReading")->isEnabled() && action("actionStopReading")->isEnabled());
+        QVERIFY(loaded(filtered));
+        for (const Event *event : filtered->model()->events())
+            QCOMPARE(event->messageId, first);
+        QVERIFY(filtered->eventCount() < main->eventCount());
+
+        // Filtering the filtered tab by another event's ID replaces its filter in place.
+        const auto other = std::find_if(main->model()->events().begin(), main->model()->events().end(),
+                                        [&](const Event *event) { return event->messageId != first; });
+        QVERIFY(other != main->model()->events().end());
+        const QString second = (*other)->messageId;
+        FilterPack saved;
+        saved.name = QStringLiteral("second");
+        saved.checkId = true;
+        saved.id = second;
+        ConfigHandler *config = window().findChild<ConfigHandler *>();
+        config->store().savedFilters().append(saved);
+        config->writeConfig();
+        QVERIFY(menu("menuSavedFilters")->isEnabled());
+        QCOMPARE(texts(menu("menuSavedFilters")->actions()), QStringList({"second"}));
+        menu("menuSavedFilters")->actions().first()->trigger();
+        QCOMPARE(tabs()->count(), 2);
+        QCOMPARE(current(), filtered);
+        QCOMPARE(filtered->filter().id, second);
+        QVERIFY(loaded(filtered));
+        for (const Event *event : filtered->model()->events())
+            QCOMPARE(event->messageId, second);
+
+        // "Filter by message ID" on the filtered tab stays in place as well.
+        selectFirstRow(filtered);
+        action("actionFilterById")->trigger();
+        QCOMPARE(tabs()->count(), 2);
+
+        // Removing the favourite leaves the editor entry alone; without a single
+        // selected event the commands do nothing.
+        tabs()->setCurrentIndex(0);
+        selectFirstRow(main);
+        action("actionRemoveFromFavorites")->trigger();
+        QCOMPARE(texts(menu("menuFavoriteEvents")->actions()), QStringList({"Edit list"}));
+        main->view()->clearSelection();
+        action("actionFilterById")->trigger();
+        action("actionAddToFavorites")->trigger();
+        QCOMPARE(tabs()->count(), 2);
+        QCOMPARE(texts(menu("menuFavoriteEvents")->actions()), QStringList({"Edit list"}));
+
+        // A summary row asks for one priority of one source.
+        tabs()->setCurrentIndex(0);
+        const Event *sample = main->model()->event(0);
+        const Event::Priority priority = sample->priority;
+        const QString source = sample->source();
+        QVERIFY(!source.isEmpty());
+        window().filterFromSummary(priority, source);
+        QCOMPARE(tabs()->count(), 3);
+        LogWidget *summary = current();
+        QVERIFY(loaded(summary));
+        for (const Event *event : summary->model()->events()) {
+            QCOMPARE(event->priority, priority);
+            QCOMPARE(event->source(), source);
+        }
+        emit tabs()->tabCloseRequested(2);
+
+        // A file not being followed gets a plain filtered tab titled after it.
+        const QString path = copyOfJournal(QStringLiteral("other.log"));
+        LogWidget *opened = openFile(path);
+        QVERIFY(loaded(opened));
+        selectFirstRow(opened);
+        action("actionFilterById")->trigger();
+        QCOMPARE(tabs()->count(), 4);
+        QCOMPARE(tabs()->tabText(3), path + QStringLiteral(" (filtered)"));
+        QVERIFY(current()->isFiltered());
+        QVERIFY(!qobject_cast<MainLogWidget *>(current()));
+        QCOMPARE(current()->logPath(), path);
+    }
+
+    void switchingTabsSetsActions()
+    {
+        auto *main = qobject_cast<MainLogWidget *>(current());
+        QVERIFY(loaded(main));
+        action("actionStopReading")->trigger();
+        QVERIFY(!main->isFollowing());
+        QVERIFY(action("actionStartReading")->isEnabled() && !action("actionStopReading")->isEnabled());
+
+        LogWidget *opened = openFile(copyOfJournal(QStringLiteral("switch.log")));
+        QVERIFY(loaded(opened));
+        QVERIFY(!action("actionStartReading")->isEnabled() && !action("actionStopReading")->isEnabled());
+        action("actionStartReading")->trigger();
+        QVERIFY(!main->isFollowing());
+
+        action("actionClearTable")->trigger();
+        QVERIFY(opened->isCleared());
+        QVERIFY(action("actionRefreshLog")->isEnabled());
+        tabs()->setCurrentIndex(0);
+        QVERIFY(!action("actionRefreshLog")->isEnabled());
+        QVERIFY(action("actionStartReading")->isEnabled() && !action("actionStopReading")->isEnabled());
+        action("actionStartReading")->trigger();
+        QVERIFY(main->isFollowing());
+        tabs()->setCurrentIndex(1);
+        QVERIFY(action("actionRefreshLog")->isEnabled());
+        action("actionRefreshLog")->trigger();
+        QVERIFY(!opened->isCleared());
+        QVERIFY(!action("actionRefreshLog")->isEnabled());
+        tabs()->setCurrentIndex(0);
+        QVERIFY(!action("actionStartReading")->isEnabled() && action("actionStopReading")->isEnabled());
+
+        // The details panel and the chosen columns follow the window, not the tab.
+        window().show();
+        action("actionShowDetails")->setChecked(false);
+        QVERIFY(!main->bottomWidget()->isVisible());
+        QStandardItem *column = chooser()->columnModel()->item(1);
+        const int section = main->model()->firstAuxColumn();
+        QVERIFY(main->view()->isColumnHidden(section));
+        column->setCheckState(Qt::Checked);
+        QVERIFY(!main->view()->isColumnHidden(section));
+        tabs()->setCurrentIndex(1);
+        QVERIFY(!opened->bottomWidget()->isVisible());
+        QVERIFY(!opened->view()->isColumnHidden(section));
+        QVERIFY(opened->view()->isColumnHidden(section + 1));
+        action("actionShowDetails")->setChecked(true);
+        QVERIFY(opened->bottomWidget()->isVisible());
+    }
+
+    void columnChooserKeepsItsListOpen()
+    {
+        window().show();
+        ColumnChooser *box = chooser();
+        box->showPopup();
+        QAbstractItemView *list = box->view();
+        QTRY_VERIFY(list->isVisible());
+        const QRect second = list->visualRect(box->columnModel()->index(2, 0));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, second.center());
+        QCOMPARE(box->columnModel()->item(2)->checkState(), Qt::Checked);
+        QVERIFY(list->isVisible());
+        QCOMPARE(box->checkedTypes().size() + box->checkedCustomNames().size(), 1);
+        QVERIFY(!current()->view()->isColumnHidden(current()->model()->firstAuxColumn() + 1));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, second.center());
+        QCOMPARE(box->columnModel()->item(2)->checkState(), Qt::Unchecked);
+        // The caption row is no column.
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(box->columnModel()->index(0, 0)).center());
+        QCOMPARE(box->checkedTypes().size() + box->checkedCustomNames().size(), 0);
+        QCOMPARE(box->currentText(), QStringLiteral("Show columns"));
+        box->hidePopup();
+    }
+
+    void closingTabs()
+    {
+        QVERIFY(loaded(current()));
+        QPointer<LogWidget> idle = openFile(copyOfJournal(QStringLiteral("idle.log")));
+        QVERIFY(loaded(idle));
+        emit tabs()->tabCloseRequested(1);
+        QCOMPARE(tabs()->count(), 1);
+        QTRY_VERIFY(idle.isNull());
+
+        // A tab still at work outlives its tab until the work ends.
+        QPointer<LogWidget> busy = openFile(copyOfJournal(QStringLiteral("busy.log")));
+        QVERIFY(loaded(busy));
+        busy->setBusy(true);
+        emit tabs()->tabCloseRequested(1);
+        QCOMPARE(tabs()->count(), 1);
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!busy.isNull());
+        busy->setBusy(false);
+        QTRY_VERIFY(busy.isNull());
+    }
+
+    void statusBarFollowsTheCurrentTab()
+    {
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        auto *progress = window().findChild<QProgressBar *>(QStringLiteral("progressBar"));
+        QVERIFY(progress);
+        QCOMPARE(progress->minimum(), 0);
+        QCOMPARE(progress->maximum(), 100);
+        window().show();
+        QVERIFY(!progress->isVisible());
+        main->setBusy(true);
+        QTRY_VERIFY(progress->isVisible());
+        QVERIFY(window().statusBar()->currentMessage().isEmpty());
+        QCOMPARE(progress->value(), main->percent());
+        main->setBusy(false);
+        QTRY_VERIFY(!progress->isVisible());
+        QCOMPARE(window().statusBar()->currentMessage(), main->feedbackText());
+    }
+
+    void eventDetails()
+    {
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        auto *details = window().findChild<DetailsWindow *>();
+        QVERIFY(details);
+        main->view()->selectRow(2);
+        QVERIFY(action("actionCopy")->isEnabled());
+        QVERIFY(action("actionEventDetails")->isEnabled());
+        const int expected = static_cast<int>(main->currentEvent()->number) - 1;
+        QSignalSpy shown(details, &DetailsWindow::eventShown);
+        action("actionEventDetails")->trigger();
+        QVERIFY(details->isVisible());
+        QCOMPARE(details->position(), expected);
+        QTRY_VERIFY(!shown.isEmpty());
+        QCOMPARE(shown.first().first().toInt(), expected);
+        details->hide();
+
+        // Enter on the table asks for the same window.
+        main->view()->setCurrentIndex(main->model()->index(4, 0));
+        main->view()->selectRow(4);
+        QTest::keyClick(main->view(), Qt::Key_Return);
+        QTRY_VERIFY(details->isVisible());
+        QCOMPARE(details->position(), static_cast<int>(main->model()->event(4)->number) - 1);
+
+        main->view()->clearSelection();
+        QVERIFY(!action("actionCopy")->isEnabled());
+        QVERIFY(!action("actionEventDetails")->isEnabled());
+    }
+
+    void windowComesBackAsItWasLeft()
+    {
+        window().show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window()));
+        window().resize(700, 500);
+        chooser()->columnModel()->item(3)->setCheckState(Qt::Checked);
+        const QSet<int> types = chooser()->checkedTypes();
+        const QSet<QString> custom = chooser()->checkedCustomNames();
+        closeWindow();
+
+        window().show();
+        QCOMPARE(window().size(), QSize(700, 500));
+        QVERIFY(!window().isMaximized());
+        QCOMPARE(chooser()->columnModel()->item(3)->checkState(), Qt::Checked);
+        QCOMPARE(chooser()->checkedTypes(), types);
+        QCOMPARE(chooser()->checkedCustomNames(), custom);
+        QVERIFY(!current()->view()->isColumnHidden(current()->model()->firstAuxColumn() + 2));
+
+        window().showMaximized();
+        QTRY_VERIFY(window().isMaximized());
+        closeWindow();
+        QVERIFY(window().isMaximized());
+        window().showNormal();
+        QCOMPARE(window().size(), QSize(700, 500));
+    }
+
+    void laterStartsBringTheWindowBack()
+    {
+        window().hide();
+        window().bringToFront(QStringLiteral("raise"));
+        QVERIFY(window().isHidden());
+        window().bringToFront(QStringLiteral("toggle"));
+        QVERIFY(window().isVisible());
+        window().showMinimized();
+        QTRY_VERIFY(window().isMinimized());
+        window().bringToFront(QStringLiteral("toggle"));
+        QTRY_VERIFY(!window().isMinimized());
+    }
+};
+
+int main(int argc, char **argv)
+{
+    QTemporaryDir sysroot;
+    g_sysroot = &sysroot;
+    if (!sysroot.isValid() || !makeSysroot())
+        qFatal("cannot build the test system tree");
+    qputenv("NIMB_EVENT_VIEWER_SYSROOT", QFile::encodeName(sysroot.path()));
+    QApplication app(argc, argv);
+    TestMainWindow test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "test_mainwindow.moc"

@@ -1,0 +1,79 @@
+#include "Language.h"
+#include "MainWindow.h"
+#include "NimbTranslator.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QMenuBar>
+#include <QProcess>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QtTest>
+
+// The window speaks the system's language: its title, menus and main tab come from
+// the installed catalogue.
+class TestMainWindowLanguage : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void textsFollowTheSystemLanguage()
+    {
+        nimbTranslatorInstall(QStringLiteral("nimb-event-viewer"));
+        MainWindow window;
+        window.resize(1280, 800);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+
+        QStringList menus;
+        const auto actions = window.menuBar()->actions();
+        for (QAction *action : actions)
+            menus.append(action->text());
+        auto *tabs = window.findChild<QTabWidget *>(QStringLiteral("tabWidget"));
+        QVERIFY(tabs);
+        if (Language::isRussian()) {
+            QCOMPARE(window.windowTitle(), QStringLiteral("Журнал системных событий"));
+            QCOMPARE(menus.mid(0, 3), (QStringList{QStringLiteral("&Файл"), QStringLiteral("&Журнал"),
+                                                   QStringLiteral("&Настройка")}));
+            QCOMPARE(tabs->tabText(0), QStringLiteral("ОСНОВНОЙ ЖУРНАЛ"));
+        } else {
+            QCOMPARE(window.windowTitle(), QStringLiteral("System events journal"));
+            QCOMPARE(menus.mid(0, 3),
+                     (QStringList{QStringLiteral("&File"), QStringLiteral("&Log"), QStringLiteral("&Settings")}));
+            QCOMPARE(tabs->tabText(0), QStringLiteral("MAIN LOG"));
+        }
+        QTRY_VERIFY(!window.statusBar()->currentMessage().isEmpty());
+        QDir().mkpath(QStringLiteral(NIMB_SCREENSHOT_DIR));
+        const QString shot = QStringLiteral(NIMB_SCREENSHOT_DIR "/main-window-%1.png")
+                                 .arg(Language::isRussian() ? QStringLiteral("ru") : QStringLiteral("en"));
+        QVERIFY(window.grab().save(shot));
+    }
+};
+
+int main(int argc, char **argv)
+{
+    // A copy of the demo tree with a journal of its own.
+    QTemporaryDir sysroot;
+    QProcess copy;
+    copy.start(QStringLiteral("cp"), {QStringLiteral("-r"), QStringLiteral(NIMB_DEMO_DIR "/sysroot/."), sysroot.path()});
+    copy.waitForFinished();
+    const QString journal = sysroot.filePath(QStringLiteral("quorv/log/velmo/events"));
+    QProcess generate;
+    generate.start(QStringLiteral(NIMB_GENERATOR),
+                   {QStringLiteral("--out"), journal, QStringLiteral("--lines"), QStringLiteral("3000"),
+                    QStringLiteral("--seed"), QStringLiteral("7")});
+    generate.waitForFinished();
+    if (copy.exitCode() != 0 || generate.exitCode() != 0 || !QFile::exists(journal))
+        qFatal("cannot build the test system tree: %s %s", copy.readAllStandardError().constData(),
+               generate.readAllStandardError().constData());
+    qputenv("NIMB_EVENT_VIEWER_SYSROOT", QFile::encodeName(sysroot.path()));
+    // Settings of an earlier run name an earlier tree's journal.
+    QTemporaryDir settings;
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(settings.path()));
+    QApplication app(argc, argv);
+    TestMainWindowLanguage test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "test_mainwindow_language.moc"
