@@ -631,6 +631,22 @@
         <translation>Не удаётся открыть файл журнала.</translation>
     </message>
     <message>
+        <source>The compressed file unpacks to more than %1; unpacking was stopped there.</source>
+        <translation>Сжатый файл распаковывается более чем в %1; распаковка на этом остановлена.</translation>
+    </message>
+    <message>
+        <source>Unpacking was stopped: it would have left less than %1 free in %2.</source>
+        <translation>Распаковка остановлена: в %2 осталось бы свободными меньше %1.</translation>
+    </message>
+    <message>
+        <source>The compressed file is damaged or incomplete.</source>
+        <translation>Сжатый файл повреждён или неполон.</translation>
+    </message>
+    <message>
+        <source>Unpacking the compressed log file…</source>
+        <translation>Распаковка сжатого файла журнала…</translation>
+    </message>
+    <message>
         <source>Events: </source>
         <translation>Событий: </translation>
     </message>

@@ -452,6 +452,7 @@ void MainWindow::closeTab(int index)
     disconnect(tab, nullptr, this, nullptr);
     if (tab->isLoading()) {
         connect(tab, &LogWidget::loadingFinished, tab, &QObject::deleteLater);
+        tab->abandon();
     } else {
         tab->stopLoader();
         tab->deleteLater();

@@ -3,6 +3,7 @@
 #include "AbstractLogParser.h"
 #include "AsyncLoader.h"
 #include "LineReader.h"
+#include "RegularFile.h"
 
 #include <QFile>
 #include <QThread>
@@ -81,8 +82,8 @@ JournalRows JournalRows::shown(AsyncLoader *loader, const std::vector<quint32> &
 
 bool JournalRows::read(qint64 batchBytes, const std::function<bool(Batch &&)> &take) const
 {
-    QFile file(m_path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    QFile file;
+    if (!RegularFile::open(file, m_path, QIODevice::ReadOnly | QIODevice::Unbuffered))
         return false;
     LineReader reader(file);
     Batch batch;

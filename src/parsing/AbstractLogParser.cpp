@@ -2,6 +2,7 @@
 
 #include "LineParser.h"
 #include "LineReader.h"
+#include "RegularFile.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -40,9 +41,8 @@ unsigned AbstractLogParser::workerCount() const
 
 bool AbstractLogParser::openJournal(QFile &file)
 {
-    file.setFileName(m_filePath);
     // LineReader does its own buffering; a second buffer in QIODevice only copies.
-    return file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    return RegularFile::open(file, m_filePath, QIODevice::ReadOnly | QIODevice::Unbuffered);
 }
 
 int AbstractLogParser::count()
@@ -59,8 +59,8 @@ int AbstractLogParser::count()
 
 bool AbstractLogParser::isJournal() const
 {
-    QFile file(m_filePath);
-    if (!file.open(QIODevice::ReadOnly))
+    QFile file;
+    if (!RegularFile::open(file, m_filePath))
         return false;
     // Line by line: the first lines usually decide, and reading the whole allowance
     // up front would hold up the interface thread, which asks before every count.

@@ -3,6 +3,7 @@
 #include "Event.h"
 #include "LineIndex.h"
 #include "LineReader.h"
+#include "RegularFile.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -157,10 +158,10 @@ protected:
     template<typename Judge>
     RangeEnd readRange(qint64 start, qint64 end, bool reportsProgress, Judge judge)
     {
-        QFile file(m_filePath);
+        QFile file;
         RangeEnd result;
         result.resume = start;
-        if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        if (!RegularFile::open(file, m_filePath, QIODevice::ReadOnly | QIODevice::Unbuffered))
             return result;
         LineReader reader(file);
         if (!reader.seek(start)) {

@@ -1,6 +1,7 @@
 #include "AsyncLoader.h"
 
 #include "AbstractLogParser.h"
+#include "CompressedLogFile.h"
 #include "SummaryParser.h"
 
 #include <QMetaMethod>
@@ -54,6 +55,12 @@ void AsyncLoader::asyncLoad(int position, int count)
         return;
     }
     Q_EMIT loadFinished(std::move(result.second));
+}
+
+void AsyncLoader::asyncUnpack(CompressedLogFile *file)
+{
+    const bool unpacked = file->unpack([this](int percent) { Q_EMIT percentRead(percent); });
+    Q_EMIT unpackFinished(unpacked);
 }
 
 std::unique_ptr<Event> AsyncLoader::asyncLoadSingle(int position)

@@ -11,6 +11,7 @@
 #include <vector>
 
 class AbstractLogParser;
+class CompressedLogFile;
 
 Q_DECLARE_METATYPE(std::vector<Event *>)
 Q_DECLARE_METATYPE(std::string)
@@ -43,12 +44,16 @@ Q_SIGNALS:
     void loadFinished(std::vector<Event *> events);
     void percentRead(int percent);
     void countsForSummaryFinished(MapForCounts counts);
+    void unpackFinished(bool unpacked);
 
 public Q_SLOTS:
     void asyncCount();
     // Only for a SummaryParser; any other parser yields an empty map.
     void asyncCountForSummary();
     void asyncLoad(int position, int count);
+    // Unpacks a compressed rotation into the copy the parser reads, before its first
+    // count; the share of the compressed file read goes out as percentRead.
+    void asyncUnpack(CompressedLogFile *file);
     std::unique_ptr<Event> asyncLoadSingle(int position);
     std::string asyncLoadSingleString(int position);
 

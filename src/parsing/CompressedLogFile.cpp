@@ -1,5 +1,7 @@
 #include "CompressedLogFile.h"
 
+#include "RegularFile.h"
+
 #include <KCompressionDevice>
 
 #include <QBuffer>
@@ -7,11 +9,18 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QStorageInfo>
 #include <QTemporaryFile>
+
+#include <algorithm>
 
 namespace
 {
 constexpr qint64 kBlock = 1024 * 1024;
+// Free space is asked for again after this much was written, and must exceed the
+// reserve by as much, so that the copy never eats into the reserve in between.
+constexpr qint64 kSpaceCheck = 64 * 1024 * 1024;
+constexpr int kLongestMagic = 6;
 
 struct Kind {
     CompressedLogFile::Compression compression;
@@ -48,14 +57,26 @@ QString suffixOf(CompressedLogFile::Compression compression)
 }
 }
 
+CompressedLogFile::Limits CompressedLogFile::defaultLimits()
+{
+    const QStorageInfo storage(QDir::tempPath());
+    qint64 keepFree = kKeepFree;
+    if (storage.isValid() && storage.bytesTotal() > 0)
+        keepFree = std::min(keepFree, storage.bytesTotal() / 10);
+    return {kMaxUnpacked, keepFree};
+}
+
 CompressedLogFile::Compression CompressedLogFile::detect(const QString &path)
 {
-    QFile file(path);
-    if (file.open(QIODevice::ReadOnly)) {
+    QFile file;
+    if (RegularFile::open(file, path)) {
         const QByteArray head = file.read(8);
         for (const Kind &kind : kKinds)
             if (head.startsWith(kind.magic))
                 return kind.compression;
+        // Enough bytes to tell, and none of the kinds: a plain file, whatever its name.
+        if (head.size() >= kLongestMagic)
+            return Compression::None;
     }
     for (const Kind &kind : kKinds)
         if (path.endsWith(QLatin1String(kind.suffix)))
@@ -74,9 +95,10 @@ bool CompressedLogFile::supports(Compression compression)
     return device.compressionType() == type;
 }
 
-CompressedLogFile::CompressedLogFile(const QString &path)
+CompressedLogFile::CompressedLogFile(const QString &path, Limits limits)
     : m_originalPath(path)
     , m_compression(detect(path))
+    , m_limits(limits)
 {
     if (m_compression == Compression::None)
         return;
@@ -87,14 +109,7 @@ CompressedLogFile::CompressedLogFile(const QString &path)
         stem.chop(suffix.size());
     m_copy = std::make_unique<QTemporaryFile>(QDir(QDir::tempPath()).filePath(stem + QStringLiteral(".XXXXXX")));
     // QTemporaryFile creates the file for the owner alone (0600) under a fresh name.
-    if (!m_copy->open()) {
-        m_unpacked = false;
-        return;
-    }
-    m_unpacked = unpack();
-    if (!m_unpacked)
-        m_copy->resize(0);
-    m_copy->close();
+    m_state.store(m_copy->open() ? State::Pending : State::Damaged, std::memory_order_release);
 }
 
 CompressedLogFile::~CompressedLogFile() = default;
@@ -104,46 +119,80 @@ QString CompressedLogFile::readablePath() const
     return m_copy ? m_copy->fileName() : m_originalPath;
 }
 
-bool CompressedLogFile::unpack()
+bool CompressedLogFile::unpack(const std::function<void(int)> &progress)
+{
+    if (state() != State::Pending)
+        return unpacked();
+    const State outcome = unpackInto(progress);
+    if (outcome != State::Ready)
+        m_copy->resize(0);
+    m_copy->close();
+    m_state.store(outcome, std::memory_order_release);
+    return outcome == State::Ready;
+}
+
+CompressedLogFile::State CompressedLogFile::unpackInto(const std::function<void(int)> &progress)
 {
     const Kind *kind = kindOf(m_compression);
-    QFile probe(m_originalPath);
-    if (!probe.open(QIODevice::ReadOnly) || !probe.read(kind->magic.size()).startsWith(kind->magic))
-        return false;
-    probe.close();
+    auto source = std::make_unique<QFile>();
+    if (!supports(m_compression) || !RegularFile::open(*source, m_originalPath) ||
+        !source->read(kind->magic.size()).startsWith(kind->magic) || !source->seek(0))
+        return State::Damaged;
+    QFile &packed = *source;
+    const qint64 packedSize = std::max<qint64>(1, packed.size());
 
     const KCompressionDevice::CompressionType type = deviceType(m_compression);
-    KCompressionDevice device(m_originalPath, type);
+    KCompressionDevice device(source.release(), true, type);
     if (device.compressionType() != type || !device.open(QIODevice::ReadOnly))
-        return false;
+        return State::Damaged;
+    const QString copyDirectory = QFileInfo(m_copy->fileName()).absolutePath();
     QByteArray block(static_cast<int>(kBlock), Qt::Uninitialized);
     qint64 written = 0;
+    qint64 nextSpaceCheck = 0;
+    int lastPercent = -1;
     for (;;) {
+        if (m_stop.load(std::memory_order_relaxed))
+            return State::Stopped;
         const qint64 got = device.read(block.data(), kBlock);
         if (got < 0)
-            return false;
+            return State::Damaged;
         if (got == 0)
             break;
+        if (got > m_limits.maxBytes - written)
+            return State::TooLarge;
+        if (written + got > nextSpaceCheck) {
+            const QStorageInfo storage(copyDirectory);
+            if (storage.isValid() && storage.bytesAvailable() - kSpaceCheck < m_limits.keepFree)
+                return State::DiskFull;
+            nextSpaceCheck = written + kSpaceCheck;
+        }
         if (m_copy->write(block.constData(), got) != got)
-            return false;
+            return m_copy->error() == QFileDevice::ResourceError ? State::DiskFull : State::Damaged;
         written += got;
+        const int percent = static_cast<int>(std::min<qint64>(100, packed.pos() * 100 / packedSize));
+        if (progress && percent != lastPercent) {
+            lastPercent = percent;
+            progress(percent);
+        }
     }
     // A damaged or cut stream also ends in a read of 0; only a stream that reached its
     // proper end leaves the device at its end.
     if (!device.atEnd() || device.error() != QFileDevice::NoError)
-        return false;
-    if (m_compression == Compression::GZip && !gzipSizeMatches(written))
-        return false;
-    return m_copy->flush();
+        return State::Damaged;
+    if (m_compression == Compression::GZip && !gzipSizeMatches(packed, written))
+        return State::Damaged;
+    if (!m_copy->flush())
+        return m_copy->error() == QFileDevice::ResourceError ? State::DiskFull : State::Damaged;
+    return State::Ready;
 }
 
-bool CompressedLogFile::gzipSizeMatches(qint64 written) const
+bool CompressedLogFile::gzipSizeMatches(QFile &source, qint64 written) const
 {
     // The trailer's last four bytes hold the unpacked size modulo 2^32, little-endian.
-    QFile file(m_originalPath);
-    if (!file.open(QIODevice::ReadOnly) || file.size() < 4 || !file.seek(file.size() - 4))
+    // The device has finished with the file, so it may be repositioned.
+    if (source.size() < 4 || !source.seek(source.size() - 4))
         return false;
-    const QByteArray trailer = file.read(4);
+    const QByteArray trailer = source.read(4);
     if (trailer.size() != 4)
         return false;
     quint32 size = 0;

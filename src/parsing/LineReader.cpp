@@ -50,6 +50,7 @@ bool LineReader::fill()
 
 bool LineReader::readLine(const char **data, qint64 *size)
 {
+    m_lastOverlong = false;
     qint64 searched = 0; // bytes after m_begin known to hold no line feed
     for (;;) {
         const char *base = m_buffer.constData();
@@ -66,6 +67,8 @@ bool LineReader::readLine(const char **data, qint64 *size)
             }
         }
         searched = m_end - m_begin;
+        if (searched > kMaxLine)
+            return skipOverlong(data, size);
         if (!fill()) {
             if (m_begin == m_end)
                 return false;
@@ -73,6 +76,29 @@ bool LineReader::readLine(const char **data, qint64 *size)
             *size = m_end - m_begin;
             m_begin = m_end;
             m_lastTerminated = false;
+            return true;
+        }
+    }
+}
+
+bool LineReader::skipOverlong(const char **data, qint64 *size)
+{
+    m_lastOverlong = true;
+    *data = m_buffer.constData();
+    *size = 0;
+    for (;;) {
+        // Everything buffered belongs to the line: drop it and read on in place.
+        m_bufferStart += m_end;
+        m_begin = m_end = 0;
+        const qint64 got = m_device.read(m_buffer.data(), m_buffer.size());
+        if (got <= 0) {
+            m_lastTerminated = false;
+            return true;
+        }
+        m_end = got;
+        if (const void *found = std::memchr(m_buffer.constData(), '\n', static_cast<size_t>(got))) {
+            m_begin = static_cast<const char *>(found) - m_buffer.constData() + 1;
+            m_lastTerminated = true;
             return true;
         }
     }

@@ -3,6 +3,7 @@
 #include "Dictionary.h"
 #include "JsonLineScanner.h"
 #include "LineReader.h"
+#include "RegularFile.h"
 #include "NameTable.h"
 #include "TimeTextReader.h"
 
@@ -179,8 +180,8 @@ void SummaryParser::clearCounts()
 
 MapForCounts SummaryParser::countForSummary()
 {
-    QFile file(m_filePath);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    QFile file;
+    if (!RegularFile::open(file, m_filePath, QIODevice::ReadOnly | QIODevice::Unbuffered))
         return MapForCounts();
     scan(file);
     file.close();

@@ -14,7 +14,9 @@
 
 #include "ui_LogWidget.h"
 
+#include <QDir>
 #include <QHeaderView>
+#include <QLocale>
 #include <QMenu>
 #include <QScrollBar>
 #include <QTimer>
@@ -94,6 +96,7 @@ void LogWidget::init(const QList<QAction *> &contextActions)
     connect(m_loader.get(), &AsyncLoader::loadFinished, this, &LogWidget::onLoadFinished);
     connect(m_loader.get(), &AsyncLoader::loadFailed, this, &LogWidget::onLoadFailed);
     connect(m_loader.get(), &AsyncLoader::percentRead, this, &LogWidget::onPercentRead);
+    connect(m_loader.get(), &AsyncLoader::unpackFinished, this, &LogWidget::onUnpackFinished);
     m_thread.setObjectName(QStringLiteral("loader"));
     m_thread.start();
 
@@ -119,6 +122,12 @@ void LogWidget::init(const QList<QAction *> &contextActions)
         menu.addActions(m_contextActions);
         menu.exec(ui->eventsView->viewport()->mapToGlobal(pos));
     });
+}
+
+void LogWidget::setUnpackLimits(CompressedLogFile::Limits limits)
+{
+    if (!m_unpacking)
+        m_file->setLimits(limits);
 }
 
 QString LogWidget::readablePath() const
@@ -149,16 +158,71 @@ void LogWidget::onLoaderThread(Call call)
 
 void LogWidget::refresh()
 {
-    if (m_stopped)
+    if (m_stopped || m_abandoned || m_unpacking)
+        return; // the end of unpacking refreshes
+    switch (m_file->state()) {
+    case CompressedLogFile::State::Ready:
+        break;
+    case CompressedLogFile::State::Pending:
+        startUnpacking();
         return;
+    default:
+        showUnreadable(unpackFailure());
+        return;
+    }
     if (!m_parser->isJournal()) {
-        const QString message = tr("Can't open log file.");
-        setEventsAreaVisible(false, message);
-        setFeedback(message);
+        showUnreadable();
         return;
     }
     setEventsAreaVisible(true);
     requestCount();
+}
+
+void LogWidget::showUnreadable(const QString &reason)
+{
+    const QString message = tr("Can't open log file.");
+    setEventsAreaVisible(false, reason.isEmpty() ? message : message + QLatin1Char('\n') + reason);
+    setFeedback(message);
+}
+
+QString LogWidget::unpackFailure() const
+{
+    const QLocale locale;
+    const CompressedLogFile::Limits limits = m_file->limits();
+    switch (m_file->state()) {
+    case CompressedLogFile::State::TooLarge:
+        return tr("The compressed file unpacks to more than %1; unpacking was stopped there.")
+            .arg(locale.formattedDataSize(limits.maxBytes));
+    case CompressedLogFile::State::DiskFull:
+        return tr("Unpacking was stopped: it would have left less than %1 free in %2.")
+            .arg(locale.formattedDataSize(limits.keepFree), QDir::toNativeSeparators(QDir::tempPath()));
+    case CompressedLogFile::State::Damaged:
+        return tr("The compressed file is damaged or incomplete.");
+    default:
+        return QString();
+    }
+}
+
+void LogWidget::startUnpacking()
+{
+    const bool was = isLoading();
+    m_unpacking = true;
+    m_percent = 0;
+    m_loadWarning->setPercent(0);
+    setFeedback(tr("Unpacking the compressed log file…"));
+    AsyncLoader *loader = m_loader.get();
+    CompressedLogFile *file = m_file.get();
+    onLoaderThread([loader, file] { loader->asyncUnpack(file); });
+    busyChanged(was);
+}
+
+void LogWidget::onUnpackFinished()
+{
+    const bool was = isLoading();
+    m_unpacking = false;
+    if (!m_stopped && !m_abandoned)
+        refresh();
+    busyChanged(was);
 }
 
 void LogWidget::reload()
@@ -260,8 +324,9 @@ void LogWidget::stopLoader()
     m_stopped = true;
     if (!m_thread.isRunning())
         return;
-    // A long scan would otherwise hold the thread until it ends.
+    // A long scan or unpacking would otherwise hold the thread until it ends.
     m_parser->setStopFlag(true);
+    m_file->requestStop();
     // The last thing the loader thread does is tell this thread, through a lock the
     // thread checkers understand, that it is done with the parser.
     std::mutex mutex;
@@ -281,6 +346,15 @@ void LogWidget::stopLoader()
         condition.wait(lock, [&] { return done; });
     }
     m_thread.wait();
+}
+
+void LogWidget::abandon()
+{
+    m_abandoned = true;
+    m_file->requestStop();
+    // A cut-short scan would hand a running export or printout a partial journal.
+    if (m_externalBusy == 0)
+        m_parser->setStopFlag(true);
 }
 
 void LogWidget::requestCount()
@@ -312,7 +386,7 @@ std::pair<int, int> LogWidget::pageRange(int page) const
 
 void LogWidget::requestPage(int page)
 {
-    if (m_stopped)
+    if (m_stopped || m_abandoned)
         return;
     const std::pair<int, int> range = pageRange(page);
     if (m_pendingLoad) {
@@ -330,16 +404,14 @@ void LogWidget::onCountFinished(int count)
 {
     const bool was = isLoading();
     m_pendingCount = false;
-    if (m_stopped) {
+    if (m_stopped || m_abandoned) {
         busyChanged(was);
         return;
     }
     if (count < 0) {
         m_count = -1;
         m_generator->setCount(0);
-        const QString message = tr("Can't open log file.");
-        setEventsAreaVisible(false, message);
-        setFeedback(message);
+        showUnreadable();
     } else {
         m_count = count;
         m_generator->setCount(count);
@@ -369,10 +441,10 @@ void LogWidget::onLoadFinished(std::vector<Event *> events)
 {
     const bool was = isLoading();
     m_pendingLoad = false;
-    if (m_stopped || m_nextLoad) {
+    if (m_stopped || m_abandoned || m_nextLoad) {
         for (Event *event : events)
             delete event;
-        if (m_nextLoad && !m_stopped) {
+        if (m_nextLoad && !m_stopped && !m_abandoned) {
             const std::pair<int, int> next = *m_nextLoad;
             m_nextLoad.reset();
             m_pendingLoad = true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CompressedLogFile.h"
 #include "FilterPack.h"
 
 #include <QList>
@@ -16,7 +17,6 @@
 class AbstractLogParser;
 class AsyncLoader;
 class BottomWidget;
-class CompressedLogFile;
 class Event;
 class EventGenerator;
 class EventsModel;
@@ -51,6 +51,8 @@ public:
     QString readablePath() const;
 
     bool isFiltered() const { return m_filtered; }
+    // Bounds for unpacking a compressed rotation; before the first refresh() only.
+    void setUnpackLimits(CompressedLogFile::Limits limits);
     const FilterPack &filter() const { return m_filter; }
     // Refilters a filtered tab in place: new criteria in the bottom panel, an empty
     // table, then a full count.
@@ -62,8 +64,9 @@ public:
     void restoreTable();
     bool isCleared() const { return m_cleared; }
 
-    // A count or page load is under way, or another thread's job holds the tab.
-    bool isLoading() const { return m_pendingCount || m_pendingLoad || m_externalBusy > 0; }
+    // A rotation is being unpacked, a count or page load is under way, or another
+    // thread's job holds the tab.
+    bool isLoading() const { return m_unpacking || m_pendingCount || m_pendingLoad || m_externalBusy > 0; }
     int percent() const { return m_percent; }
     QString feedbackText() const { return m_feedback; }
     // The last count received; -1 before the first or when the file cannot be read.
@@ -94,10 +97,15 @@ public:
     // Stops the loader thread (a running scan is cut short); the tab serves no
     // requests afterwards. Called before destruction at the latest.
     void stopLoader();
+    // The tab is going away: its unpacking and counting end early and it starts
+    // nothing new, so that it leaves its loading state soon. A job of another thread
+    // holding the tab runs to its end.
+    void abandon();
 
 public Q_SLOTS:
     // Tests the file; shows the table and counts when it is a journal, otherwise
-    // hides the table and reports "Can't open log file.".
+    // hides the table and reports "Can't open log file.". A compressed rotation is
+    // unpacked first, on the loader thread.
     void refresh();
     // Takes a changed page size into account.
     void reload();
@@ -123,6 +131,11 @@ protected:
 private:
     void init(const QList<QAction *> &contextActions);
     void requestCount();
+    void startUnpacking();
+    void onUnpackFinished();
+    // Hides the table and says why the file cannot be shown.
+    void showUnreadable(const QString &reason = QString());
+    QString unpackFailure() const;
     void requestPage(int page);
     std::pair<int, int> pageRange(int page) const;
     void onCountFinished(int count);
@@ -160,9 +173,11 @@ private:
     bool m_cleared = false;
     bool m_following = false;
     bool m_stopped = false;
+    bool m_abandoned = false;
     int m_externalBusy = 0;
     // At most one count and one page load are in flight; what is asked meanwhile
     // waits for them (a count runs again, the newest page is read next).
+    bool m_unpacking = false;
     bool m_pendingCount = false;
     bool m_countAgain = false;
     bool m_pendingLoad = false;

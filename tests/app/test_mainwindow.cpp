@@ -15,9 +15,12 @@
 #include <KAcceleratorManager>
 
 #include <QApplication>
+#include <QLabel>
+#include <QPointer>
 #include <QMenu>
 #include <QMenuBar>
 #include <QProgressBar>
+#include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QStandardPaths>
 #include <QStatusBar>
@@ -310,6 +313,113 @@ private Q_SLOTS:
         QVERIFY(loaded(tab));
         QCOMPARE(tab->eventCount(), LogParser(mainJournal()).count());
         QCOMPARE(window().statusBar()->currentMessage(), tab->feedbackText());
+    }
+
+    // Whatever sits where a journal was expected, its own tab says so, promptly, and
+    // the other tabs go on as before.
+    void hostileFilesStayInTheirTabs()
+    {
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        const int mainCount = main->eventCount();
+        auto message = [](LogWidget *tab) {
+            const auto *label = tab->findChild<QLabel *>(QStringLiteral("messageLabel"));
+            return label && label->isVisibleTo(tab) ? label->text() : QString();
+        };
+        auto pack = [](const QString &from, const QString &to) {
+            QProcess gzip;
+            gzip.setStandardInputFile(from);
+            gzip.setStandardOutputFile(to);
+            gzip.start(QStringLiteral("gzip"), {QStringLiteral("-c")});
+            return gzip.waitForFinished(30000) && gzip.exitCode() == 0;
+        };
+        const QString cannot = QStringLiteral("Can't open log file.");
+
+        const QString fifo = m_files.filePath(QStringLiteral("events.fifo"));
+        QFile::remove(fifo);
+        QVERIFY(QProcess::execute(QStringLiteral("mkfifo"), {fifo}) == 0);
+        const QString directory = m_files.filePath(QStringLiteral("events.d"));
+        QVERIFY(QDir().mkpath(directory));
+        const QString nuls = m_files.filePath(QStringLiteral("nuls"));
+        QVERIFY(QProcess::execute(QStringLiteral("truncate"), {QStringLiteral("-s"), QStringLiteral("24M"), nuls}) == 0);
+        const QString cut = m_files.filePath(QStringLiteral("cut.gz"));
+        QFile::remove(cut);
+        QVERIFY(pack(mainJournal(), cut));
+        QVERIFY(QProcess::execute(QStringLiteral("truncate"), {QStringLiteral("-s"), QStringLiteral("5000"), cut}) == 0);
+        for (const QString &path : {fifo, directory, nuls}) {
+            LogWidget *tab = openFile(path);
+            QTRY_COMPARE(message(tab), cannot);
+            QCOMPARE(window().statusBar()->currentMessage(), cannot);
+        }
+        LogWidget *damaged = openFile(cut);
+        QTRY_COMPARE(message(damaged), cannot + QStringLiteral("\nThe compressed file is damaged or incomplete."));
+        QVERIFY(!damaged->isLoading());
+
+        // The content decides, not the name: a packed rotation without its suffix, and
+        // a plain one with a packed suffix.
+        const QString unsuffixed = m_files.filePath(QStringLiteral("events.6"));
+        QFile::remove(unsuffixed);
+        QVERIFY(pack(mainJournal(), unsuffixed));
+        const QString misnamed = copyOfJournal(QStringLiteral("events.7.gz"));
+        for (const QString &path : {unsuffixed, misnamed}) {
+            LogWidget *tab = openFile(path);
+            QVERIFY(loaded(tab));
+            QCOMPARE(tab->eventCount(), mainCount);
+        }
+
+        // A small archive of a huge output stops at the unpacking limit, and leaves nothing.
+        QByteArray repeated;
+        QFile journal(mainJournal());
+        QVERIFY(journal.open(QIODevice::ReadOnly));
+        const QByteArray lines = journal.readAll();
+        while (repeated.size() < 48 * 1024 * 1024)
+            repeated += lines;
+        const QString big = m_files.filePath(QStringLiteral("big"));
+        QFile bigFile(big);
+        QVERIFY(bigFile.open(QIODevice::WriteOnly) && bigFile.write(repeated) == repeated.size());
+        bigFile.close();
+        repeated.clear();
+        const QString bomb = m_files.filePath(QStringLiteral("events.8.gz"));
+        QFile::remove(bomb);
+        QVERIFY(pack(big, bomb));
+        QFile::remove(big);
+        auto *bounded = new LogWidget(bomb, {});
+        bounded->setUnpackLimits({16 * 1024 * 1024, 0});
+        const QString copy = bounded->readablePath();
+        tabs()->addTab(bounded, bomb);
+        tabs()->setCurrentWidget(bounded);
+        bounded->refresh();
+        QTRY_COMPARE(message(bounded),
+                     cannot + QStringLiteral("\nThe compressed file unpacks to more than 16.00 MiB; unpacking was stopped there."));
+        QCOMPARE(QFileInfo(copy).size(), 0);
+
+        // Closing a tab while it unpacks stops the unpacking and removes the copy.
+        const QString secondBomb = m_files.filePath(QStringLiteral("events.9.gz"));
+        QFile::remove(secondBomb);
+        QVERIFY(QFile::copy(bomb, secondBomb));
+        {
+            LogWidget abandoned(secondBomb, {});
+            QSignalSpy finished(&abandoned, &LogWidget::loadingFinished);
+            abandoned.refresh();
+            QVERIFY(abandoned.isLoading());
+            abandoned.abandon();
+            QVERIFY(finished.count() > 0 || finished.wait(10000));
+            // Stopped before the end: nothing unpacked is left, and nothing was counted.
+            QCOMPARE(abandoned.eventCount(), -1);
+            QCOMPARE(QFileInfo(abandoned.readablePath()).size(), 0);
+            abandoned.stopLoader();
+        }
+        QPointer<LogWidget> unpacking = openFile(secondBomb);
+        const QString partial = unpacking->readablePath();
+        QVERIFY(unpacking->isLoading());
+        tabs()->tabCloseRequested(tabs()->currentIndex());
+        QTRY_VERIFY(unpacking.isNull());
+        QVERIFY(!QFile::exists(partial));
+
+        tabs()->setCurrentIndex(0);
+        QVERIFY(loaded(main));
+        QCOMPARE(main->eventCount(), mainCount);
+        QCOMPARE(main->feedbackText(), QStringLiteral("Events: %1").arg(mainCount));
     }
 
     void filteringOpensOrRefilters()

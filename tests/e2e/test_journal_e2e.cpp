@@ -461,7 +461,7 @@ void TestJournalE2E::journalFollowedAcrossRotations()
     int compressed = 0;
     for (const QString &path : files) {
         CompressedLogFile file(path);
-        QVERIFY2(file.unpacked(), qPrintable(path));
+        QVERIFY2(file.unpack(), qPrintable(path));
         compressed += file.isTemporary() ? 1 : 0;
         LogParser parser(file.readablePath());
         FileTally tally{QFileInfo(path).fileName(), parser.count(), plainLines(file.readablePath())};

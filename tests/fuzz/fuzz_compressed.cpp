@@ -22,6 +22,7 @@ NIMB_FUZZ_TARGET(compressed)
     QString copy;
     {
         CompressedLogFile file(path);
+        file.unpack();
         const QString readable = file.readablePath();
         FUZZ_CHECK(file.isTemporary() == (file.compression() != CompressedLogFile::Compression::None));
         if (file.isTemporary()) {

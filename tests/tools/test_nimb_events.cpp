@@ -145,7 +145,12 @@ private Q_SLOTS:
     void errorsExitWithMessage()
     {
         const QString j = kJournal;
+        // A FIFO would block an ordinary open until some writer came along.
+        QTemporaryDir scratch;
+        const QString fifo = scratch.filePath(QStringLiteral("events"));
+        QCOMPARE(QProcess::execute(QStringLiteral("mkfifo"), {fifo}), 0);
         const QVector<std::tuple<QStringList, int, QString>> cases{
+            {{"count", fifo}, 1, "cannot open " + fifo}, {{"summary", scratch.path()}, 1, "cannot open"},
             {{}, 2, "no command"}, {{"tally", j}, 2, "unknown command 'tally'"}, {{"count"}, 2, "no journal file"},
             {{"count", j, "--colour"}, 2, "colour"}, {{"page", j, "--page", "1"}, 2, "--per-page"},
             {{"summary", j, "--priority", "1"}, 2, "summary"}, {{"count", j, "--priority", "loud"}, 2, "'loud'"},

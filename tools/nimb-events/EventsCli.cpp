@@ -4,11 +4,13 @@
 #include "FilterOptions.h"
 #include "FilteringLogParser.h"
 #include "CompressedLogFile.h"
+#include "RegularFile.h"
 #include "LogParser.h"
 #include "SummaryParser.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -41,9 +43,8 @@ public:
 
     bool prepare(QString *failure)
     {
-        const QFileInfo info(m_path);
-        QFile probe(m_path);
-        if (!info.exists() || info.isDir() || !probe.open(QIODevice::ReadOnly)) {
+        QFile probe;
+        if (!RegularFile::open(probe, m_path)) {
             *failure = QStringLiteral("cannot open %1").arg(m_path);
             return false;
         }
@@ -54,11 +55,26 @@ public:
             return false;
         }
         m_file = std::make_unique<CompressedLogFile>(m_path);
-        if (!m_file->unpacked()) {
+        if (m_file->unpack())
+            return true;
+        const CompressedLogFile::Limits limits = m_file->limits();
+        switch (m_file->state()) {
+        case CompressedLogFile::State::TooLarge:
+            *failure = QStringLiteral("cannot unpack %1: it unpacks to more than %2 bytes")
+                           .arg(m_path)
+                           .arg(limits.maxBytes);
+            break;
+        case CompressedLogFile::State::DiskFull:
+            *failure = QStringLiteral("cannot unpack %1: it would leave less than %2 bytes free in %3")
+                           .arg(m_path)
+                           .arg(limits.keepFree)
+                           .arg(QDir::tempPath());
+            break;
+        default:
             *failure = QStringLiteral("cannot unpack %1: damaged or truncated").arg(m_path);
-            return false;
+            break;
         }
-        return true;
+        return false;
     }
 
     QString readablePath() const { return m_file->readablePath(); }

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QIODevice>
+
+class QFile;
+class QString;
+
+// Opens journals for reading, refusing anything but a regular file. A plain open()
+// of a FIFO blocks until some writer appears, and a device or socket never ends:
+// either would hang the thread that asked. The test is made on the opened descriptor,
+// so a file replaced between a check and the open cannot slip through.
+class RegularFile
+{
+public:
+    // Opens `path` read-only into `file` (whose name is set to `path`); false, with
+    // the file closed, for a missing or unreadable path or one that is not a regular file.
+    static bool open(QFile &file, const QString &path, QIODevice::OpenMode mode = QIODevice::ReadOnly);
+};
