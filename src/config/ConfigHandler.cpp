@@ -2,10 +2,12 @@
 
 #include "AuxParRegistry.h"
 #include "Dictionary.h"
+#include "SettingsFileGuard.h"
 #include "SystemPaths.h"
 
 #include <QDateTime>
 #include <QSettings>
+#include <QStandardPaths>
 #include <QTimeZone>
 
 #include <algorithm>
@@ -39,6 +41,14 @@ QString listKey(const QString &prefix, int index)
     return prefix + QChar(static_cast<ushort>(index));
 }
 
+// Qt cannot write back a text holding NUL characters as it read it, and no path, ID or
+// name the store keeps has one: such a text counts as missing.
+QString storedText(const QVariant &stored)
+{
+    const QString text = stored.toString();
+    return text.contains(QChar::Null) ? QString() : text;
+}
+
 // The entries of a list group, in index order. A hand-edited count can be anything;
 // it is trusted only up to the number of keys the group actually holds, so a count
 // of 2^31-1 costs no more than the file itself. Within that bound an absent entry
@@ -50,7 +60,7 @@ QStringList readList(QSettings &settings, const QString &countKey, const QString
     const int bound = std::min({count, present, kMaxListEntries});
     QStringList entries;
     for (int i = 0; i < bound; ++i)
-        entries.append(settings.value(listKey(entryPrefix, i)).toString());
+        entries.append(storedText(settings.value(listKey(entryPrefix, i))));
     return entries;
 }
 
@@ -168,7 +178,7 @@ QVariant conditionValue(int type, const QVariant &stored)
     case AuxParFamily::String:
         break;
     }
-    return QVariant(stored.toString());
+    return QVariant(storedText(stored));
 }
 
 // Filter keys carry the filter's index as decimal digits after the key text.
@@ -265,11 +275,11 @@ FilterPack readFilter(QSettings &settings, int index)
     const FilterKeys keys(index);
     FilterPack pack;
     for (const TextKey &text : kTextKeysBeforeDates)
-        pack.*text.text = settings.value(keys(QLatin1String(text.key))).toString();
+        pack.*text.text = storedText(settings.value(keys(QLatin1String(text.key))));
     pack.from = storedTime(settings.value(keys(QStringLiteral("From "))));
     pack.to = storedTime(settings.value(keys(QStringLiteral("To "))));
     for (const TextKey &text : kTextKeysAfterDates)
-        pack.*text.text = settings.value(keys(QLatin1String(text.key))).toString();
+        pack.*text.text = storedText(settings.value(keys(QLatin1String(text.key))));
 
     const Dictionary &dictionary = Dictionary::instance();
     settings.beginGroup(kEventTypesGroup);
@@ -306,7 +316,7 @@ FilterPack readFilter(QSettings &settings, int index)
             continue;
         const QVariant value = settings.value(keys.value(custom.name));
         if (value.isValid())
-            pack.customConditions.insert(custom.name, QVariant(value.toString()));
+            pack.customConditions.insert(custom.name, QVariant(storedText(value)));
     }
     return pack;
 }
@@ -320,8 +330,15 @@ ConfigHandler::ConfigHandler(ConfigStore &store, QObject *parent) : QObject(pare
 {
 }
 
+QString ConfigHandler::settingsFilePath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QLatin1Char('/') +
+           organizationName() + QLatin1Char('/') + applicationName() + QStringLiteral(".conf");
+}
+
 void ConfigHandler::readConfig()
 {
+    SettingsFileGuard::dropUnsafeLines(settingsFilePath());
     QSettings settings(QSettings::NativeFormat, QSettings::UserScope, organizationName(), applicationName());
     readWindow(settings);
     readVisibleColumns(settings);
@@ -333,6 +350,7 @@ void ConfigHandler::readConfig()
 
 void ConfigHandler::writeConfig()
 {
+    SettingsFileGuard::dropUnsafeLines(settingsFilePath());
     QSettings settings(QSettings::NativeFormat, QSettings::UserScope, organizationName(), applicationName());
     forgetDamagedFile(settings);
     writeWindow(settings);
@@ -402,7 +420,7 @@ void ConfigHandler::writeVisibleColumns(QSettings &settings) const
 void ConfigHandler::readApplicationSettings(QSettings &settings)
 {
     settings.beginGroup(kApplicationGroup);
-    const QString path = settings.value(QStringLiteral("Main log path")).toString();
+    const QString path = storedText(settings.value(QStringLiteral("Main log path")));
     m_store.mainLogPath() = path.isEmpty() ? SystemPaths::defaultJournal() : path;
     // Only sizes the settings dialog could have written are trusted: zero would stall
     // the pager and a huge one would try to load a whole journal into one page.

@@ -32,6 +32,8 @@ public:
 
     static QString organizationName() { return QStringLiteral("trelvik"); }
     static QString applicationName() { return QStringLiteral("nimb-event-viewer"); }
+    // Where QSettings keeps the user's file for these names.
+    static QString settingsFilePath();
 
 signals:
     void configWritten();
