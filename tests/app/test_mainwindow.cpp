@@ -4,17 +4,24 @@
 #include "DetailsWindow.h"
 #include "EventsModel.h"
 #include "EventsView.h"
+#include "FilterWindow.h"
 #include "JournalGenerator.h"
 #include "LogParser.h"
 #include "LogWidget.h"
 #include "MainLogWidget.h"
 #include "MainWindow.h"
 #include "NimbTestMain.h"
+#include "PriorityItem.h"
 #include "TsanDefaults.h"
 
 #include <KAcceleratorManager>
 
 #include <QApplication>
+#include <QPushButton>
+#include <QListWidget>
+#include <QLineEdit>
+#include <QDialogButtonBox>
+#include <QCheckBox>
 #include <QLabel>
 #include <QPointer>
 #include <QMenu>
@@ -392,6 +399,9 @@ private Q_SLOTS:
         QTRY_COMPARE(message(bounded),
                      cannot + QStringLiteral("\nThe compressed file unpacks to more than 16.00 MiB; unpacking was stopped there."));
         QCOMPARE(QFileInfo(copy).size(), 0);
+        window().resize(1000, 600);
+        QDir().mkpath(QStringLiteral(NIMB_SCREENSHOT_DIR));
+        QVERIFY(window().grab().save(QStringLiteral(NIMB_SCREENSHOT_DIR "/hostile-archive-tab.png")));
 
         // Closing a tab while it unpacks stops the unpacking and removes the copy.
         const QString secondBomb = m_files.filePath(QStringLiteral("events.9.gz"));
@@ -420,6 +430,67 @@ private Q_SLOTS:
         QVERIFY(loaded(main));
         QCOMPARE(main->eventCount(), mainCount);
         QCOMPARE(main->feedbackText(), QStringLiteral("Events: %1").arg(mainCount));
+    }
+
+    // Criteria set in the filter window and applied open "MAIN LOG (filtered)" with
+    // exactly the events of the journal that meet them.
+    void filterWindowAppliesToTheJournal()
+    {
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        action("actionFilter")->trigger();
+        auto *filterWindow = window().findChild<FilterWindow *>();
+        QVERIFY(filterWindow && filterWindow->isVisible());
+        auto *nameCheck = filterWindow->findChild<QCheckBox *>(QStringLiteral("checkBoxNameContains"));
+        auto *name = filterWindow->findChild<QLineEdit *>(QStringLiteral("nameContains"));
+        auto *priorityCheck = filterWindow->findChild<QCheckBox *>(QStringLiteral("checkBoxPriority"));
+        auto *priorities = filterWindow->findChild<QListWidget *>(QStringLiteral("priorityFilter"));
+        auto *buttons = filterWindow->findChild<QDialogButtonBox *>(QStringLiteral("buttonBox"));
+        QVERIFY(nameCheck && name && priorityCheck && priorities && buttons);
+
+        // A word of some event's name, in other letter case, and the priorities from warning up.
+        const QString word = main->model()->events().front()->nameEn.section(QLatin1Char(' '), 0, 0);
+        QVERIFY(!word.isEmpty());
+        nameCheck->setChecked(true);
+        name->clear();
+        QTest::keyClicks(name, word.toUpper());
+        priorityCheck->setChecked(true);
+        QVector<int> severe;
+        for (int row = 0; row < priorities->count(); ++row) {
+            auto *item = static_cast<PriorityItem *>(priorities->item(row));
+            const bool wanted = item->priority() <= Event::Warning;
+            item->setChecked(wanted);
+            if (wanted)
+                severe.append(item->priority());
+        }
+        QVERIFY(!severe.isEmpty());
+        QPushButton *apply = buttons->button(QDialogButtonBox::Apply);
+        QVERIFY(apply && apply->isEnabled());
+        QTest::mouseClick(apply, Qt::LeftButton);
+
+        QCOMPARE(tabs()->count(), 2);
+        QCOMPARE(tabs()->tabText(1), QStringLiteral("MAIN LOG (filtered)"));
+        LogWidget *filtered = current();
+        QTRY_VERIFY_WITH_TIMEOUT(!filtered->isLoading() && filtered->eventCount() >= 0, 10000);
+
+        // The same criteria matched event by event against the whole journal.
+        FilterPack expected;
+        expected.checkNameContains = true;
+        expected.nameContains = word.toUpper();
+        expected.checkPriorities = true;
+        expected.priorities = severe;
+        LogParser parser(mainJournal());
+        parser.count();
+        auto [opened, events] = parser.loadAll();
+        QVERIFY(opened);
+        int matching = 0;
+        for (Event *event : events) {
+            matching += expected.match(*event) ? 1 : 0;
+            delete event;
+        }
+        QVERIFY(matching > 0 && matching < main->eventCount());
+        QCOMPARE(filtered->eventCount(), matching);
+        QVERIFY(filtered->filter().checkNameContains && filtered->filter().checkPriorities);
     }
 
     void filteringOpensOrRefilters()

@@ -63,14 +63,17 @@ private slots:
                 descriptions.append(text);
             }
         };
+        // The single-threaded pass first: Qt sets up some shared state on first use
+        // under locks the thread checker cannot see, and the threads are here for
+        // what this project's code shares between them.
+        QStringList expected;
+        describe(expected);
         std::vector<QStringList> seen(4);
         std::vector<std::thread> threads;
         for (QStringList &descriptions : seen)
             threads.emplace_back(describe, std::ref(descriptions));
         for (auto &thread : threads)
             thread.join();
-        QStringList expected;
-        describe(expected);
         for (const QStringList &descriptions : seen)
             QVERIFY(descriptions == expected);
         // The corpus has to exercise both answers for the comparison to mean something.

@@ -142,10 +142,14 @@ bool Cli::readPositive(const QString &option, qint64 *value, int *exitCode)
 
 std::unique_ptr<AbstractLogParser> Cli::makeParser(const QString &path) const
 {
-    if (!m_filtered)
-        return std::make_unique<LogParser>(path);
-    auto parser = std::make_unique<FilteringLogParser>(path);
-    parser->setFilter(m_filter);
+    std::unique_ptr<AbstractLogParser> parser;
+    if (m_filtered) {
+        auto filtering = std::make_unique<FilteringLogParser>(path);
+        filtering->setFilter(m_filter);
+        parser = std::move(filtering);
+    } else {
+        parser = std::make_unique<LogParser>(path);
+    }
     parser->setWorkerCount(m_workers);
     return parser;
 }
