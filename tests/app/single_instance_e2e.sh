@@ -60,6 +60,8 @@ wait_for() {
   return 1
 }
 
+# Under load the virtual display can take a moment after xvfb-run hands over.
+wait_for 'xwininfo -root >/dev/null 2>&1' || fail "the virtual display $DISPLAY does not answer"
 "$VIEWER" >"$WORK/viewer.log" 2>&1 &
 viewer_pid=$!
 wait_for '[ "$(windows)" -ge 1 ]' || fail "no window titled $TITLE"
