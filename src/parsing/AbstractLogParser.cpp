@@ -9,6 +9,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <set>
 #include <thread>
@@ -18,7 +19,7 @@
 namespace
 {
 // The file test looks no further than this, so that opening some unrelated large
-// file by mistake does not read all of it on the calling (GUI) thread.
+// file by mistake does not read all of it.
 constexpr qint64 kJournalTestBytes = 8 * 1024 * 1024;
 constexpr qint64 kBoundaryChunk = 4096;
 constexpr std::size_t kRowSlice = 4096;
@@ -42,7 +43,7 @@ unsigned AbstractLogParser::workerCount() const
 bool AbstractLogParser::openJournal(QFile &file)
 {
     // LineReader does its own buffering; a second buffer in QIODevice only copies.
-    return RegularFile::open(file, m_filePath, QIODevice::ReadOnly | QIODevice::Unbuffered);
+    return RegularFile::open(file, readPath(), QIODevice::ReadOnly | QIODevice::Unbuffered);
 }
 
 int AbstractLogParser::count()
@@ -57,32 +58,103 @@ int AbstractLogParser::count()
     return std::max(0, static_cast<int>(counted) - base);
 }
 
-bool AbstractLogParser::isJournal() const
+namespace
 {
-    QFile file;
-    if (!RegularFile::open(file, m_filePath))
-        return false;
-    // Line by line: the first lines usually decide, and reading the whole allowance
-    // up front would hold up the interface thread, which asks before every count.
-    qint64 budget = kJournalTestBytes;
-    while (budget > 0 && !file.atEnd()) {
-        QByteArray line = file.readLine(budget + 1);
-        if (line.isEmpty())
-            return false;
-        budget -= line.size();
-        if (line.endsWith('\n'))
-            line.chop(1);
-        else if (!file.atEnd())
-            return false; // a line cut by the read limit is no evidence either way
-        if (line.trimmed().isEmpty())
-            continue;
+QPair<quint64, quint64> identityOf(QIODevice &file)
+{
+    auto *fileDevice = qobject_cast<QFileDevice *>(&file);
+    struct stat status;
+    if (!fileDevice || fileDevice->handle() < 0 || ::fstat(fileDevice->handle(), &status) != 0)
+        return {0, 0};
+    return {quint64(status.st_dev), quint64(status.st_ino)};
+}
+
+// The end of the first line that is a non-empty JSON object, within the test's
+// allowance; -1 when there is none.
+qint64 journalEvidence(QFile &file)
+{
+    LineReader reader(file, LineReader::kPageBlock);
+    const char *data = nullptr;
+    qint64 size = 0;
+    while (reader.readLine(&data, &size)) {
+        // A line cut by the allowance is no evidence either way.
+        if (reader.position() > kJournalTestBytes)
+            return -1;
         // Lines that are not journal lines are skipped: a journal may begin with a
-        // line the logger left half-written before a crash.
-        const QJsonDocument document = QJsonDocument::fromJson(line);
+        // line the logger left half-written before a crash. Most lines of other files
+        // do not even begin like an object, and are passed over without parsing.
+        const char *first = data;
+        const char *const end = data + size;
+        while (first != end && std::isspace(static_cast<unsigned char>(*first)))
+            ++first;
+        if (first == end || *first != '{')
+            continue;
+        const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromRawData(data, int(size)));
         if (document.isObject() && !document.object().isEmpty())
-            return true;
+            return reader.position();
     }
-    return false;
+    return -1;
+}
+}
+
+QString AbstractLogParser::pinnedPath() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_pinnedPath;
+}
+
+QString AbstractLogParser::readPath() const
+{
+    const QString pinned = pinnedPath();
+    return pinned.isEmpty() ? m_filePath : pinned;
+}
+
+AbstractLogParser::FileCheck AbstractLogParser::checkFile()
+{
+    const QString path = readPath();
+    auto file = std::make_unique<QFile>();
+    if (!RegularFile::open(*file, path)) {
+        switch (RegularFile::problemWith(path)) {
+        case RegularFile::Problem::AccessDenied:
+            return FileCheck::AccessDenied;
+        case RegularFile::Problem::Folder:
+            return FileCheck::Folder;
+        case RegularFile::Problem::NotRegularFile:
+            return FileCheck::NotRegularFile;
+        default:
+            return FileCheck::Missing;
+        }
+    }
+    const QPair<quint64, quint64> identity = identityOf(*file);
+    if (identity != m_journalIdentity || file->size() < m_journalEvidenceEnd) {
+        const qint64 evidence = journalEvidence(*file);
+        if (evidence < 0)
+            return FileCheck::NotJournal;
+        m_journalIdentity = identity;
+        m_journalEvidenceEnd = evidence;
+    }
+    if (m_pinRequested && pinnedPath().isEmpty()) {
+        // The magic link opens the same file however its names change, each open with
+        // a file position of its own, as the parallel scan needs.
+        const QString magic = QStringLiteral("/proc/self/fd/%1").arg(file->handle());
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_pinnedPath = magic;
+        m_pinned = std::move(file);
+    }
+    return FileCheck::Journal;
+}
+
+void AbstractLogParser::pinSameFileAs(const AbstractLogParser &other)
+{
+    const QString path = other.pinnedPath();
+    auto file = std::make_unique<QFile>();
+    if (path.isEmpty() || !RegularFile::open(*file, path))
+        return;
+    const QString magic = QStringLiteral("/proc/self/fd/%1").arg(file->handle());
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_pinRequested = true;
+    m_pinnedPath = magic;
+    m_pinned = std::move(file);
 }
 
 std::size_t AbstractLogParser::positionCount() const
@@ -215,15 +287,6 @@ std::pair<bool, std::vector<Event *>> AbstractLogParser::loadRows(std::size_t fi
 namespace
 {
 constexpr qint64 kGuardBytes = 32;
-
-QPair<quint64, quint64> identityOf(QIODevice &file)
-{
-    auto *fileDevice = qobject_cast<QFileDevice *>(&file);
-    struct stat status;
-    if (!fileDevice || fileDevice->handle() < 0 || ::fstat(fileDevice->handle(), &status) != 0)
-        return {0, 0};
-    return {quint64(status.st_dev), quint64(status.st_ino)};
-}
 
 QByteArray bytesBefore(QIODevice &file, qint64 position)
 {

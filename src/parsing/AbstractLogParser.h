@@ -40,8 +40,29 @@ public:
 
     // Counted lines less the hidden ones, or -1 when the file cannot be opened.
     int count();
-    // The file holds at least one line that is a non-empty JSON object.
-    bool isJournal() const;
+    // What the file test found, worst first for the user.
+    enum class FileCheck {
+        Journal,
+        Missing,
+        AccessDenied,
+        Folder,
+        NotRegularFile,
+        NotJournal,
+    };
+    // A journal is a readable regular file holding at least one line that is a
+    // non-empty JSON object. A positive answer is remembered for the same file as long
+    // as it keeps the line that proved it, so that a followed journal's every change
+    // costs an open instead of a parse. On the thread that scans.
+    FileCheck checkFile();
+    bool isJournal() { return checkFile() == FileCheck::Journal; }
+
+    // From the first file test that finds a journal on, keeps reading that very file
+    // even when it is renamed, replaced or removed under its path, as rotated journals
+    // are: what the parser counted stays what it shows. Before the first test.
+    void setPinned(bool pinned) { m_pinRequested = pinned; }
+    // Reads, from now on, the file that `other` has pinned; nothing when it has none.
+    // On the thread that owns both parsers, while no scan of this one runs.
+    void pinSameFileAs(const AbstractLogParser &other);
 
     std::unique_ptr<Event> loadSingle(int index);
     std::string loadSingleString(int index);
@@ -161,7 +182,7 @@ protected:
         QFile file;
         RangeEnd result;
         result.resume = start;
-        if (!RegularFile::open(file, m_filePath, QIODevice::ReadOnly | QIODevice::Unbuffered))
+        if (!RegularFile::open(file, readPath(), QIODevice::ReadOnly | QIODevice::Unbuffered))
             return result;
         LineReader reader(file);
         if (!reader.seek(start)) {
@@ -265,6 +286,9 @@ protected:
         setResumePosition(file, resume);
     }
 
+    // The path files are opened by: the journal's, or one that reaches the pinned file.
+    QString readPath() const;
+
     QString m_filePath;
     std::atomic<int> m_indexBase{0};
     qint64 m_scannedSize = 0;
@@ -283,6 +307,15 @@ protected:
 
 private:
     bool openJournal(QFile &file);
+    QString pinnedPath() const;
+
+    std::atomic<bool> m_pinRequested{false};
+    // Held open for as long as the parser lives; guarded by m_mutex.
+    std::unique_ptr<QFile> m_pinned;
+    QString m_pinnedPath;
+    // The file that last passed the journal test and the end of the line that proved it.
+    QPair<quint64, quint64> m_journalIdentity{0, 0};
+    qint64 m_journalEvidenceEnd = -1;
     // The raw line of shown row `index`, after taking in growth; false when there is none.
     bool readRow(int index, QByteArray *line);
     // Reads the line at an absolute position through the reader; false at the end of the data.

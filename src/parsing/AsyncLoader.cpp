@@ -36,6 +36,16 @@ void AsyncLoader::asyncCount()
     Q_EMIT countFinished(m_parser->count());
 }
 
+void AsyncLoader::asyncCheckedCount()
+{
+    const AbstractLogParser::FileCheck check = m_parser->checkFile();
+    if (check != AbstractLogParser::FileCheck::Journal) {
+        Q_EMIT fileRefused(static_cast<int>(check));
+        return;
+    }
+    asyncCount();
+}
+
 void AsyncLoader::asyncCountForSummary()
 {
     auto *summary = qobject_cast<SummaryParser *>(m_parser);

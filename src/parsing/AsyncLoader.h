@@ -45,9 +45,14 @@ Q_SIGNALS:
     void percentRead(int percent);
     void countsForSummaryFinished(MapForCounts counts);
     void unpackFinished(bool unpacked);
+    // The file test failed; `check` is an AbstractLogParser::FileCheck.
+    void fileRefused(int check);
 
 public Q_SLOTS:
     void asyncCount();
+    // Tests the file first (AbstractLogParser::checkFile) and counts only a journal:
+    // the test may read megabytes, which is no work for the thread that asks.
+    void asyncCheckedCount();
     // Only for a SummaryParser; any other parser yields an empty map.
     void asyncCountForSummary();
     void asyncLoad(int position, int count);

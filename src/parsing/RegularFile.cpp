@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QString>
 
+#include <cerrno>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,4 +32,22 @@ bool RegularFile::open(QFile &file, const QString &path, QIODevice::OpenMode mod
     // Whether a failed open() already closed the descriptor is Qt's business; closing
     // it here as well could close a descriptor another thread has just been given.
     return file.open(fd, (mode & ~QIODevice::WriteOnly) | QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
+}
+
+RegularFile::Problem RegularFile::problemWith(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat status;
+    if (::stat(name.constData(), &status) != 0)
+        return errno == EACCES ? Problem::AccessDenied : Problem::Missing;
+    if (S_ISDIR(status.st_mode))
+        return Problem::Folder;
+    if (!S_ISREG(status.st_mode))
+        return Problem::NotRegularFile;
+    // Opening is the only reliable test of read permission (ACLs, capabilities).
+    const int fd = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (fd < 0)
+        return errno == ENOENT ? Problem::Missing : Problem::AccessDenied;
+    ::close(fd);
+    return Problem::None;
 }

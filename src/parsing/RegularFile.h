@@ -15,4 +15,14 @@ public:
     // Opens `path` read-only into `file` (whose name is set to `path`); false, with
     // the file closed, for a missing or unreadable path or one that is not a regular file.
     static bool open(QFile &file, const QString &path, QIODevice::OpenMode mode = QIODevice::ReadOnly);
+
+    // Why open() refuses `path`, told apart so that the user learns what to change.
+    enum class Problem {
+        None,           // it would open (or the obstacle has just gone)
+        Missing,        // no such file, or a folder on the way is missing
+        AccessDenied,   // it exists but may not be read
+        Folder,
+        NotRegularFile, // a pipe, socket or device
+    };
+    static Problem problemWith(const QString &path);
 };

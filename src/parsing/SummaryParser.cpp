@@ -181,7 +181,7 @@ void SummaryParser::clearCounts()
 MapForCounts SummaryParser::countForSummary()
 {
     QFile file;
-    if (!RegularFile::open(file, m_filePath, QIODevice::ReadOnly | QIODevice::Unbuffered))
+    if (!RegularFile::open(file, readPath(), QIODevice::ReadOnly | QIODevice::Unbuffered))
         return MapForCounts();
     scan(file);
     file.close();
