@@ -37,6 +37,7 @@ LogWidget::LogWidget(const QString &path, const QList<QAction *> &contextActions
       m_file(std::make_unique<CompressedLogFile>(path))
 {
     m_parser = std::make_unique<LogParser>(m_file->readablePath());
+    m_parser->setPinned(true);
     init(contextActions);
 }
 
@@ -47,6 +48,7 @@ LogWidget::LogWidget(const QString &path, const FilterPack &filter, const QList<
 {
     auto parser = std::make_unique<FilteringLogParser>(m_file->readablePath());
     parser->setFilter(filter);
+    parser->setPinned(true);
     m_parser = std::move(parser);
     init(contextActions);
 }
@@ -90,7 +92,8 @@ void LogWidget::init(const QList<QAction *> &contextActions)
     m_loader = std::make_unique<AsyncLoader>(m_parser.get());
     m_loader->moveToThread(&m_thread);
     m_generator = new EventGenerator(m_loader.get(), this);
-    connect(this, &LogWidget::countRequest, m_loader.get(), &AsyncLoader::asyncCount);
+    connect(this, &LogWidget::countRequest, m_loader.get(), &AsyncLoader::asyncCheckedCount);
+    connect(m_loader.get(), &AsyncLoader::fileRefused, this, &LogWidget::onFileRefused);
     connect(this, &LogWidget::loadRequest, m_loader.get(), &AsyncLoader::asyncLoad);
     connect(m_loader.get(), &AsyncLoader::countFinished, this, &LogWidget::onCountFinished);
     connect(m_loader.get(), &AsyncLoader::loadFinished, this, &LogWidget::onLoadFinished);
@@ -106,8 +109,12 @@ void LogWidget::init(const QList<QAction *> &contextActions)
     });
     connect(ui->eventsView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this] { emit selectionChanged(ui->eventsView->selectionModel()->hasSelection()); });
+    // A mouse click makes the row current before it selects it; either change may be
+    // the last, so both refill the panel.
     connect(ui->eventsView->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            &LogWidget::onCurrentRowChanged);
+            &LogWidget::showSelectedEvent);
+    connect(ui->eventsView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &LogWidget::showSelectedEvent);
     // A reset drops the selection without telling anyone.
     connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
         emit selectionChanged(ui->eventsView->selectionModel()->hasSelection());
@@ -170,19 +177,52 @@ void LogWidget::refresh()
         showUnreadable(unpackFailure());
         return;
     }
-    if (!m_parser->isJournal()) {
-        showUnreadable();
-        return;
-    }
-    setEventsAreaVisible(true);
+    // Whether the file is a journal at all is for the loader to find out.
     requestCount();
 }
 
 void LogWidget::showUnreadable(const QString &reason)
 {
     const QString message = tr("Can't open log file.");
-    setEventsAreaVisible(false, reason.isEmpty() ? message : message + QLatin1Char('\n') + reason);
+    // Three lines: what happened, which file, why.
+    QStringList lines{message, QDir::toNativeSeparators(m_path), reason};
+    lines.removeAll(QString());
+    setEventsAreaVisible(false, lines.join(QLatin1Char('\n')));
     setFeedback(message);
+}
+
+void LogWidget::onFileRefused(int check)
+{
+    const bool was = isLoading();
+    m_pendingCount = false;
+    if (m_stopped || m_abandoned) {
+        busyChanged(was);
+        return;
+    }
+    m_count = -1;
+    m_generator->setCount(0);
+    switch (static_cast<AbstractLogParser::FileCheck>(check)) {
+    case AbstractLogParser::FileCheck::AccessDenied:
+        showUnreadable(tr("You have no permission to read this file."));
+        break;
+    case AbstractLogParser::FileCheck::Folder:
+        showUnreadable(tr("This is a folder, not a file."));
+        break;
+    case AbstractLogParser::FileCheck::NotRegularFile:
+        showUnreadable(tr("This is not a regular file but a pipe, socket or device."));
+        break;
+    case AbstractLogParser::FileCheck::NotJournal:
+        showUnreadable(tr("This file is not an events journal: none of its lines is an event."));
+        break;
+    default:
+        showUnreadable(tr("The file does not exist."));
+        break;
+    }
+    if (m_countAgain) {
+        m_countAgain = false;
+        requestCount();
+    }
+    busyChanged(was);
 }
 
 QString LogWidget::unpackFailure() const
@@ -317,6 +357,11 @@ void LogWidget::setVisibleColumns(const QSet<int> &auxTypes, const QSet<QString>
     }
 }
 
+void LogWidget::readSameFileAs(const LogWidget &other)
+{
+    m_parser->pinSameFileAs(*other.m_parser);
+}
+
 void LogWidget::stopLoader()
 {
     if (m_stopped)
@@ -411,8 +456,11 @@ void LogWidget::onCountFinished(int count)
     if (count < 0) {
         m_count = -1;
         m_generator->setCount(0);
-        showUnreadable();
+        // It passed the test a moment ago: it vanished or was replaced since.
+        showUnreadable(tr("The file could not be read."));
     } else {
+        if (!m_readable)
+            setEventsAreaVisible(true);
         m_count = count;
         m_generator->setCount(count);
         setFeedback(tr("Events: ") + QString::number(count));
@@ -492,8 +540,10 @@ void LogWidget::showPage(std::vector<Event *> events)
         view->scrollToBottom();
     else if (firstBefore == firstAfter && firstAfter != 0)
         view->verticalScrollBar()->setValue(scroll);
+    else
+        view->scrollToTop(); // another page is read from its first row
     m_stickToBottom = false;
-    onCurrentRowChanged();
+    showSelectedEvent();
 }
 
 void LogWidget::onLoadFailed()
@@ -516,12 +566,22 @@ void LogWidget::onPercentRead(int percent)
     emit feedbackRequest(m_feedback);
 }
 
-void LogWidget::onCurrentRowChanged()
+void LogWidget::showSelectedEvent()
 {
+    const QItemSelectionModel *selection = ui->eventsView->selectionModel();
     const QModelIndex current = ui->eventsView->currentIndex();
-    const Event *event = current.isValid() && ui->eventsView->selectionModel()->isRowSelected(current.row(), {})
-                             ? m_model->event(current.row())
-                             : nullptr;
+    const Event *event = nullptr;
+    if (current.isValid() && selection->isRowSelected(current.row(), {})) {
+        event = m_model->event(current.row());
+    } else {
+        // Ctrl-click took the current row out of a selection: the last row still selected.
+        const QModelIndexList rows = selection->selectedRows();
+        const auto last = std::max_element(rows.begin(), rows.end(), [](const QModelIndex &a, const QModelIndex &b) {
+            return a.row() < b.row();
+        });
+        if (last != rows.end())
+            event = m_model->event(last->row());
+    }
     ui->bottomWidget->showEventDetails(event);
 }
 
@@ -541,6 +601,7 @@ void LogWidget::setFeedback(const QString &text)
 
 void LogWidget::setEventsAreaVisible(bool visible, const QString &message)
 {
+    m_readable = visible;
     ui->splitter->setVisible(visible);
     ui->messageLabel->setText(message);
     ui->messageLabel->setVisible(!visible);

@@ -71,6 +71,9 @@ public:
     QString feedbackText() const { return m_feedback; }
     // The last count received; -1 before the first or when the file cannot be read.
     int eventCount() const { return m_count; }
+    // False while the tab shows why its file cannot be read (missing, not a journal,
+    // a damaged archive): nothing in it can be summarised, exported, printed or filtered.
+    bool isReadable() const { return m_readable; }
 
     // Holds the tab busy for a job of another thread (export, printing). Safe to call
     // from any thread; the change reaches the widget through its event loop.
@@ -93,6 +96,10 @@ public:
     // Shows the fixed columns and exactly the auxiliary columns of these kinds and
     // custom parameter names.
     void setVisibleColumns(const QSet<int> &auxTypes, const QSet<QString> &customNames);
+
+    // Reads the very file `other` reads, even when its path has since been given to
+    // another file (a filtered view of a rotated journal). Before the first refresh().
+    void readSameFileAs(const LogWidget &other);
 
     // Stops the loader thread (a running scan is cut short); the tab serves no
     // requests afterwards. Called before destruction at the latest.
@@ -134,7 +141,8 @@ private:
     void startUnpacking();
     void onUnpackFinished();
     // Hides the table and says why the file cannot be shown.
-    void showUnreadable(const QString &reason = QString());
+    void showUnreadable(const QString &reason);
+    void onFileRefused(int check);
     QString unpackFailure() const;
     void requestPage(int page);
     std::pair<int, int> pageRange(int page) const;
@@ -143,7 +151,8 @@ private:
     void showPage(std::vector<Event *> events);
     void onLoadFailed();
     void onPercentRead(int percent);
-    void onCurrentRowChanged();
+    // The bottom panel follows the selection, whichever way it was made.
+    void showSelectedEvent();
     void requestDetails();
     void setFeedback(const QString &text);
     void setEventsAreaVisible(bool visible, const QString &message = QString());
@@ -171,6 +180,7 @@ private:
     int m_percent = 0;
     QString m_feedback;
     bool m_cleared = false;
+    bool m_readable = true;
     bool m_following = false;
     bool m_stopped = false;
     bool m_abandoned = false;

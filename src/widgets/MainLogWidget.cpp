@@ -1,5 +1,7 @@
 #include "MainLogWidget.h"
 
+#include "AbstractLogParser.h"
+
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 
@@ -18,6 +20,8 @@ MainLogWidget::MainLogWidget(const QString &path, const FilterPack &filter, cons
 
 void MainLogWidget::init()
 {
+    // Whatever file takes the path next is the journal to follow.
+    parser()->setPinned(false);
     m_watcher = new QFileSystemWatcher(this);
     connect(m_watcher, &QFileSystemWatcher::fileChanged, this, &MainLogWidget::onFileChanged);
     connect(m_watcher, &QFileSystemWatcher::directoryChanged, this, &MainLogWidget::onDirectoryChanged);

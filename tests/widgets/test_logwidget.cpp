@@ -2,7 +2,9 @@
 #include "Event.h"
 #include "EventGenerator.h"
 #include "EventsModel.h"
+#include "BottomWidget.h"
 #include "EventsView.h"
+#include "FilterPack.h"
 #include "LoadWarning.h"
 #include "LogWidget.h"
 #include "MainLogWidget.h"
@@ -13,7 +15,9 @@
 #include <QApplication>
 #include <QLabel>
 #include <QProcess>
+#include <QScrollBar>
 #include <QSpinBox>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QToolButton>
 
@@ -257,15 +261,24 @@ private slots:
         MainLogWidget widget(path, {});
         widget.startFollowing();
         QTRY_COMPARE(widget.feedbackText(), QStringLiteral("Events: 180"));
+        // A filtered view of the followed journal follows it the same way.
+        FilterPack threes;
+        threes.checkNameContains = true;
+        threes.nameContains = QStringLiteral("3");
+        MainLogWidget filtered(path, threes, {});
+        filtered.startFollowing();
+        QTRY_COMPARE(filtered.feedbackText(), QStringLiteral("Events: 36"));
 
         writer(rotate, {path, QString::fromUtf8(events(30, QStringLiteral("new")))});
         QTRY_COMPARE(widget.feedbackText(), QStringLiteral("Events: 30"));
         QTRY_COMPARE(shownIds(widget), idRange(QStringLiteral("new"), 0, 30));
+        QTRY_COMPARE(filtered.feedbackText(), QStringLiteral("Events: 3"));
 
         // The new file is the one watched now.
         appendByWriter(path, events(5, QStringLiteral("new"), 30));
         QTRY_COMPARE(widget.feedbackText(), QStringLiteral("Events: 35"));
         QTRY_COMPARE(shownIds(widget), idRange(QStringLiteral("new"), 0, 35));
+        QTRY_COMPARE(shownIds(filtered), (QStringList{"new3", "new13", "new23", "new30", "new31", "new32", "new33", "new34"}));
     }
 
     void vanishedJournalIsReportedUntilItReturns()
@@ -317,17 +330,47 @@ private slots:
         QCOMPARE(widget.pageWidget()->pagesCount(), 3);
     }
 
-    void unreadableFilesAreReported()
+    void unreadableFilesSayWhy_data()
     {
-        LogWidget missing(m_dir.filePath(QStringLiteral("nothing-here")), {});
-        missing.refresh();
-        QCOMPARE(missing.feedbackText(), QStringLiteral("Can't open log file."));
-        LogWidget empty(journal(QStringLiteral("empty"), QByteArray()), {});
-        empty.refresh();
-        QCOMPARE(empty.feedbackText(), QStringLiteral("Can't open log file."));
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("make");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("missing") << "nothing-here" << QString() << "The file does not exist.";
+        const QString notJournal = QStringLiteral("This file is not an events journal: none of its lines is an event.");
+        QTest::newRow("empty") << "empty" << ": > \"$1\"" << notJournal;
+        // Megabytes of text: the test that finds no event reads them on the loader thread.
+        QTest::newRow("plain text") << "messages"
+                                    << "yes 'Mar  1 10:00:00 host kernel: a line of an ordinary system log' | "
+                                       "head -c 12000000 > \"$1\""
+                                    << notJournal;
+        QTest::newRow("folder") << "folder" << "mkdir \"$1\"" << "This is a folder, not a file.";
+        QTest::newRow("pipe") << "pipe" << "mkfifo \"$1\"" << "This is not a regular file but a pipe, socket or device.";
+    }
 
+    void unreadableFilesSayWhy()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, make);
+        QFETCH(QString, reason);
+        const QString path = m_dir.filePath(name);
+        if (!make.isEmpty())
+            writer(make, {path});
+        LogWidget widget(path, {});
+        widget.show();
+        widget.refresh();
+        // The answer comes from the loader thread; this one went on at once.
+        QVERIFY(widget.isLoading());
+        QTRY_COMPARE(widget.feedbackText(), QStringLiteral("Can't open log file."));
+        QTRY_VERIFY(!widget.isLoading());
+        QVERIFY(!widget.isReadable() && !widget.view()->isVisible());
+        QCOMPARE(widget.findChild<QLabel *>(QStringLiteral("messageLabel"))->text(),
+                 QStringLiteral("Can't open log file.\n%1\n%2").arg(path, reason));
+    }
+
+    void deletedFileFailsToLoad()
+    {
         const QString path = journal(QStringLiteral("deleted"), events(150, QStringLiteral("d")));
-        LogWidget deleted(path, {});
+        MainLogWidget deleted(path, {});
         deleted.show();
         deleted.refresh();
         QTRY_COMPARE(deleted.feedbackText(), QStringLiteral("Events: 150"));
@@ -336,6 +379,42 @@ private slots:
         QTest::mouseClick(button(deleted, "buttonFirst"), Qt::LeftButton);
         QTRY_COMPARE(deleted.feedbackText(), QStringLiteral("Events loading failed."));
         QVERIFY(!deleted.view()->isVisible());
+    }
+
+    // A tab of a file that is not followed keeps showing that file when rotation gives
+    // its name to another: turning pages reads the events it counted.
+    void unfollowedTabsKeepTheirFileAcrossRotation()
+    {
+        QTemporaryDir dir;
+        const QString live = dir.filePath(QStringLiteral("events"));
+        const QString rotated = dir.filePath(QStringLiteral("events.1"));
+        writeFile(rotated, events(150, QStringLiteral("r")));
+        writeFile(live, events(40, QStringLiteral("l")));
+        FilterPack fives;
+        fives.checkNameContains = true;
+        fives.nameContains = QStringLiteral("5");
+        LogWidget plain(rotated, {});
+        LogWidget filtered(live, fives, {});
+        for (LogWidget *tab : {&plain, &filtered}) {
+            tab->show();
+            tab->refresh();
+        }
+        QTRY_COMPARE(plain.feedbackText(), QStringLiteral("Events: 150"));
+        QTRY_COMPARE(filtered.feedbackText(), QStringLiteral("Events: 4"));
+        LogWidget sameFile(live, fives, {});
+        sameFile.readSameFileAs(filtered);
+
+        writer(QStringLiteral("gzip \"$1.1\" && mv \"$1.1.gz\" \"$1.2.gz\" && mv \"$1\" \"$1.1\" && printf '%s' \"$2\" > \"$1\""),
+               {live, QString::fromUtf8(events(60, QStringLiteral("n")))});
+        QTest::mouseClick(button(plain, "buttonFirst"), Qt::LeftButton);
+        QTRY_VERIFY(!plain.isLoading() && plain.model()->rowCount() == 100);
+        QCOMPARE(shownIds(plain), idRange(QStringLiteral("r"), 0, 100));
+        filtered.refresh();
+        sameFile.refresh();
+        for (LogWidget *tab : {&filtered, &sameFile}) {
+            QTRY_COMPARE(tab->feedbackText(), QStringLiteral("Events: 4"));
+            QTRY_COMPARE(shownIds(*tab), (QStringList{"l5", "l15", "l25", "l35"}));
+        }
     }
 
     void compressedRotationIsReadThroughAPrivateCopy()
@@ -376,38 +455,83 @@ private slots:
         QVERIFY(!overlay->isVisible());
     }
 
-    void selectionAndDetailsRequests()
+    // Whichever way a row is selected, the bottom panel shows the selected event;
+    // with nothing selected it is empty.
+    void selectingRowsFillsTheBottomPanel()
     {
         const QString path = journal(QStringLiteral("details"), events(150, QStringLiteral("s")));
         LogWidget widget(path, {});
+        widget.resize(900, 700);
         widget.show();
         widget.refresh();
         QTRY_VERIFY(!widget.isLoading() && widget.model()->rowCount() == 50);
         QCOMPARE(widget.eventGenerator()->count(), 150);
-
         QSignalSpy selections(&widget, &LogWidget::selectionChanged);
         QSignalSpy details(&widget, &LogWidget::showDetails);
-        widget.view()->selectRow(4);
-        QCOMPARE(selections.last().at(0).toBool(), true);
-        QCOMPARE(widget.currentEvent()->messageId, QStringLiteral("s104"));
-        widget.view()->setFocus();
-        QTest::keyClick(widget.view(), Qt::Key_Return);
-        QCOMPARE(details.size(), 1);
-        QCOMPARE(details.at(0).at(1).toInt(), 104);
+        auto *panel = widget.bottomWidget()->findChild<QTableWidget *>(QStringLiteral("tableWidget"));
+        const auto panelId = [panel]() -> QString {
+            for (int row = 0; row < panel->rowCount(); ++row)
+                if (panel->item(row, 0)->text() == QLatin1String("Message ID"))
+                    return panel->item(row, 1)->text();
+            return QString();
+        };
+        const auto click = [&widget](int row, Qt::MouseButton button, Qt::KeyboardModifiers modifiers = {}) {
+            const QRect rect = widget.view()->visualRect(widget.model()->index(row, 2));
+            QTest::mouseClick(widget.view()->viewport(), button, modifiers, rect.center());
+        };
 
-        widget.view()->selectionModel()->select(widget.model()->index(6, 0),
-                                                QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        click(3, Qt::LeftButton);
+        QCOMPARE(panelId(), QStringLiteral("s103"));
+        QCOMPARE(selections.last().at(0).toBool(), true);
+        click(5, Qt::RightButton);
+        QCOMPARE(panelId(), QStringLiteral("s105"));
+        click(7, Qt::LeftButton, Qt::ControlModifier);
         QCOMPARE(widget.selectedEvents().size(), 2);
         QVERIFY(!widget.currentEvent());
+        QCOMPARE(panelId(), QStringLiteral("s107"));
+        click(7, Qt::LeftButton, Qt::ControlModifier);
+        QCOMPARE(panelId(), QStringLiteral("s105"));
+        click(9, Qt::LeftButton, Qt::ShiftModifier);
+        QVERIFY(widget.selectedEvents().size() > 2);
+        QCOMPARE(panelId(), QStringLiteral("s109"));
+        QTest::keyClick(widget.view(), Qt::Key_Down);
+        QCOMPARE(panelId(), QStringLiteral("s110"));
+        QTest::keyClick(widget.view(), Qt::Key_Return);
+        QCOMPARE(details.size(), 1);
+        QCOMPARE(details.at(0).at(1).toInt(), 110);
+        widget.view()->selectRow(2);
+        QCOMPARE(panelId(), QStringLiteral("s102"));
 
         // A page that is read again (a followed journal grows) keeps the selection.
         widget.refresh();
         QTRY_VERIFY(!widget.isLoading());
-        QCOMPARE(widget.selectedEvents().size(), 2);
+        QCOMPARE(panelId(), QStringLiteral("s102"));
         QTest::mouseClick(button(widget, "buttonPrev"), Qt::LeftButton);
         QTRY_VERIFY(!widget.isLoading() && widget.model()->event(0)->number == 1);
         QVERIFY(widget.selectedEvents().isEmpty());
         QCOMPARE(selections.last().at(0).toBool(), false);
+        QCOMPARE(panel->rowCount(), 0);
+    }
+
+    // A reader starts a page at its top, wherever the page before was scrolled to.
+    void anotherPageOpensAtItsTop()
+    {
+        LogWidget widget(journal(QStringLiteral("scrolling"), events(300, QStringLiteral("p"))), {});
+        widget.resize(900, 500);
+        widget.show();
+        widget.refresh();
+        QTRY_VERIFY(!widget.isLoading() && widget.pageWidget()->page() == 3);
+        QTest::mouseClick(button(widget, "buttonFirst"), Qt::LeftButton);
+        QTRY_VERIFY(!widget.isLoading() && widget.model()->event(0)->number == 1);
+        QScrollBar *bar = widget.view()->verticalScrollBar();
+        QCOMPARE(bar->value(), 0);
+        QTest::mouseClick(widget.view()->viewport(), Qt::LeftButton, {},
+                          widget.view()->visualRect(widget.model()->index(0, 1)).center());
+        QTest::keyClick(widget.view(), Qt::Key_End, Qt::ControlModifier);
+        QVERIFY(bar->value() > 0 && bar->value() == bar->maximum());
+        QTest::mouseClick(button(widget, "buttonNext"), Qt::LeftButton);
+        QTRY_VERIFY(!widget.isLoading() && widget.model()->event(0)->number == 101);
+        QCOMPARE(bar->value(), 0);
     }
 };
 
