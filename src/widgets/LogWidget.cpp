@@ -19,6 +19,7 @@
 #include <QLocale>
 #include <QMenu>
 #include <QScrollBar>
+#include <QStyle>
 #include <QTimer>
 
 #include <algorithm>
@@ -524,6 +525,7 @@ void LogWidget::showPage(std::vector<Event *> events)
         m_columnsSized = true;
         view->resizeColumnsToContents();
     }
+    fitShortColumns();
 
     const quint32 firstAfter = m_model->rowCount() > 0 ? m_model->event(0)->number : 0;
     QItemSelection selection;
@@ -544,6 +546,24 @@ void LogWidget::showPage(std::vector<Event *> events)
         view->scrollToTop(); // another page is read from its first row
     m_stickToBottom = false;
     showSelectedEvent();
+}
+
+void LogWidget::fitShortColumns()
+{
+    // Numbers, times and priorities are short and cut ones mislead ("1…" for 1045),
+    // so these columns widen to every value of the page, whatever rows the first
+    // sizing saw (a view not yet laid out sees none). Measuring three short texts a
+    // row costs little next to reading the page.
+    EventsView *view = ui->eventsView;
+    const QFontMetrics metrics(view->font());
+    const int margin = 2 * (view->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, view) + 1) + 8;
+    for (const int column : {int(EventsModel::NumberColumn), int(EventsModel::TimeColumn), int(EventsModel::PriorityColumn)}) {
+        int width = view->horizontalHeader()->sectionSizeHint(column);
+        for (int row = 0; row < m_model->rowCount(); ++row)
+            width = std::max(width, metrics.horizontalAdvance(m_model->index(row, column).data().toString()) + margin);
+        if (view->columnWidth(column) < width)
+            view->setColumnWidth(column, width);
+    }
 }
 
 void LogWidget::onLoadFailed()

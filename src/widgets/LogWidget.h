@@ -149,6 +149,7 @@ private:
     void onCountFinished(int count);
     void onLoadFinished(std::vector<Event *> events);
     void showPage(std::vector<Event *> events);
+    void fitShortColumns();
     void onLoadFailed();
     void onPercentRead(int percent);
     // The bottom panel follows the selection, whichever way it was made.

@@ -15,6 +15,7 @@
 #include <QApplication>
 #include <QLabel>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QSpinBox>
 #include <QTableWidget>
@@ -511,6 +512,30 @@ private slots:
         QVERIFY(widget.selectedEvents().isEmpty());
         QCOMPARE(selections.last().at(0).toBool(), false);
         QCOMPARE(panel->rowCount(), 0);
+    }
+
+    // Numbers, times and priorities are never cut, whichever page came first.
+    void shortColumnsFitTheirValues()
+    {
+        FilterPack all;
+        all.checkNameContains = true;
+        all.nameContains = QStringLiteral("Event");
+        const QString path = journal(QStringLiteral("wide"), events(5, QStringLiteral("w")));
+        MainLogWidget widget(path, all, {});
+        widget.show();
+        widget.startFollowing();
+        QTRY_VERIFY(!widget.isLoading() && widget.model()->rowCount() == 5);
+        // Too much for an argument: the writer appends it from a file.
+        writeFile(m_dir.filePath(QStringLiteral("more")), events(11995, QStringLiteral("w"), 5));
+        writer(QStringLiteral("cat \"$1\" >> \"$2\""), {m_dir.filePath(QStringLiteral("more")), path});
+        QTRY_VERIFY(!widget.isLoading() && widget.model()->rowCount() == 100);
+        const QFontMetrics metrics(widget.view()->font());
+        for (int column : {int(EventsModel::NumberColumn), int(EventsModel::TimeColumn), int(EventsModel::PriorityColumn)}) {
+            // The widest value any page of this tab shows.
+            const QString widest = widget.model()->index(0, column).data().toString().replace(QRegularExpression("\\d"), "0");
+            const QString text = column == EventsModel::NumberColumn ? QStringLiteral("12000") : widest;
+            QVERIFY2(widget.view()->columnWidth(column) >= metrics.horizontalAdvance(text) + 6, qPrintable(text));
+        }
     }
 
     // A reader starts a page at its top, wherever the page before was scrolled to.
