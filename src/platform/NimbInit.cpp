@@ -2,22 +2,36 @@
 
 #include <KAboutData>
 
+#include <QByteArray>
 #include <QCoreApplication>
 #include <QGuiApplication>
 
 namespace {
 const char kComponentName[] = "nimb-event-viewer";
 const char kOrganisation[] = "trelvik";
+
+// The display name's source text, kept for translating it once a catalogue is installed.
+struct DisplayNameSource {
+    QByteArray context;
+    QByteArray text;
+};
+
+DisplayNameSource &displayNameSource()
+{
+    static DisplayNameSource source;
+    return source;
+}
 }
 
-void nimbInit(const QString &version, const QString &displayName)
+void nimbInit(const QString &version, const char *context, const char *displayName)
 {
     const QString component = QString::fromLatin1(kComponentName);
     const QString organisation = QString::fromLatin1(kOrganisation);
+    displayNameSource() = {context, displayName};
 
     // No bug address: the stock one points at the desktop's own bug tracker, and
     // with none set the help menu leaves out its "Report Bug" entry.
-    KAboutData about(component, displayName, version, QString(), KAboutLicense::Unknown,
+    KAboutData about(component, QString::fromUtf8(displayName), version, QString(), KAboutLicense::Unknown,
                      QString(), QString(), QString(), QString());
     about.setOrganizationDomain(organisation.toLatin1());
     about.setDesktopFileName(component);
@@ -29,6 +43,20 @@ void nimbInit(const QString &version, const QString &displayName)
     QCoreApplication::setApplicationVersion(version);
     QCoreApplication::setOrganizationName(organisation);
     QCoreApplication::setOrganizationDomain(organisation);
-    QGuiApplication::setApplicationDisplayName(displayName);
+    QGuiApplication::setApplicationDisplayName(QString::fromUtf8(displayName));
     QGuiApplication::setDesktopFileName(component);
+}
+
+void nimbRetranslateDisplayName()
+{
+    const DisplayNameSource &source = displayNameSource();
+    if (source.text.isEmpty())
+        return;
+    const QString displayName = QCoreApplication::translate(source.context.constData(), source.text.constData());
+    // The desktop reads the name from both places: window titles from the application,
+    // the about dialog and the help menu from the about data.
+    KAboutData about = KAboutData::applicationData();
+    about.setDisplayName(displayName);
+    KAboutData::setApplicationData(about);
+    QGuiApplication::setApplicationDisplayName(displayName);
 }

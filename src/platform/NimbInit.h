@@ -6,4 +6,12 @@
 // "nimb-event-viewer", organisation "trelvik", the given version and display name.
 // Call once, right after the QApplication is constructed and before any settings
 // are read, since the settings file is located by these names.
-void nimbInit(const QString &version, const QString &displayName);
+//
+// The display name is an English source text of the program's catalogue, in the
+// translation context `context`. It is registered as it is, because the catalogue is
+// installed only later, and worded anew by nimbTranslatorInstall.
+void nimbInit(const QString &version, const char *context, const char *displayName);
+
+// Registers the display name given to nimbInit again, as the translators installed
+// now word it; nothing before nimbInit.
+void nimbRetranslateDisplayName();

@@ -1,5 +1,7 @@
 #include "NimbTranslator.h"
 
+#include "NimbInit.h"
+
 #include <QCoreApplication>
 #include <QLibraryInfo>
 #include <QLocale>
@@ -27,9 +29,16 @@ bool nimbTranslatorInstall(const QString &catalogue)
     if (!QCoreApplication::instance() || catalogue.isEmpty())
         return false;
 
-    // Standard dialog buttons and the like; absent on many systems, which is fine.
-    installFrom(QStringLiteral("qtbase"), {QLibraryInfo::location(QLibraryInfo::TranslationsPath)});
+    // Standard buttons, file and print dialogs. Qt's catalogue for a language comes as
+    // "qtbase" or, on older systems, as one whole "qt"; absent on many systems, which is fine.
+    const QStringList qtDirectory{QLibraryInfo::location(QLibraryInfo::TranslationsPath)};
+    if (!installFrom(QStringLiteral("qtbase"), qtDirectory))
+        installFrom(QStringLiteral("qt"), qtDirectory);
 
-    return installFrom(catalogue, {QStringLiteral(NIMB_INSTALLED_TRANSLATIONS_DIR),
-                                   QStringLiteral(NIMB_BUILD_TRANSLATIONS_DIR)});
+    const bool installed = installFrom(catalogue, {QStringLiteral(NIMB_INSTALLED_TRANSLATIONS_DIR),
+                                                   QStringLiteral(NIMB_BUILD_TRANSLATIONS_DIR)});
+    // The name was registered before there was a catalogue to word it.
+    if (installed)
+        nimbRetranslateDisplayName();
+    return installed;
 }

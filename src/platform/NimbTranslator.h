@@ -5,6 +5,7 @@
 // Installs "<catalogue>_<locale>.qm" for the system locale, searched first among
 // the installed translations and then in the build tree, so that an uninstalled
 // build is translated too. Qt's own catalogue for the locale is installed as
-// well when the system has it. Needs an existing QCoreApplication, which owns
-// the translators. Returns whether the named catalogue was installed.
+// well when the system has it, and the display name given to nimbInit is
+// registered again in the catalogue's words. Needs an existing QCoreApplication,
+// which owns the translators. Returns whether the named catalogue was installed.
 bool nimbTranslatorInstall(const QString &catalogue);

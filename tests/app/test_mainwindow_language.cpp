@@ -1,5 +1,6 @@
 #include "Language.h"
 #include "MainWindow.h"
+#include "NimbInit.h"
 #include "NimbTranslator.h"
 
 #include <QApplication>
@@ -32,6 +33,9 @@ private slots:
             menus.append(action->text());
         auto *tabs = window.findChild<QTabWidget *>(QStringLiteral("tabWidget"));
         QVERIFY(tabs);
+        // The desktop adds the application's name to a title that does not end in it already:
+        // in the catalogue's words, the main window's title stands alone.
+        QCOMPARE(QGuiApplication::applicationDisplayName(), window.windowTitle());
         if (Language::isRussian()) {
             QCOMPARE(window.windowTitle(), QStringLiteral("Журнал системных событий"));
             QCOMPARE(menus.mid(0, 3), (QStringList{QStringLiteral("&Файл"), QStringLiteral("&Журнал"),
@@ -72,6 +76,8 @@ int main(int argc, char **argv)
     QTemporaryDir settings;
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(settings.path()));
     QApplication app(argc, argv);
+    // Registered as the program does, before its catalogue is installed.
+    nimbInit(QStringLiteral("1.0.0"), "MainWindow", "System events journal");
     TestMainWindowLanguage test;
     return QTest::qExec(&test, argc, argv);
 }

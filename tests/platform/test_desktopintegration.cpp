@@ -3,8 +3,12 @@
 #include "NimbInit.h"
 #include "NimbTranslator.h"
 
+#include <KAboutData>
+
+#include <QDialogButtonBox>
 #include <QImage>
 #include <QMenu>
+#include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -14,13 +18,36 @@ class TestDesktopIntegration : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { nimbInit(QStringLiteral("1.0.0"), QStringLiteral("System events journal")); }
+    void initTestCase() { nimbInit(QStringLiteral("1.0.0"), "MainWindow", "System events journal"); }
 
     void settingsFileIsFoundThroughTheRegisteredNames()
     {
         QVERIFY2(QSettings().fileName().endsWith(QStringLiteral("/trelvik/nimb-event-viewer.conf")),
                  qPrintable(QSettings().fileName()));
         QCOMPARE(QGuiApplication::desktopFileName(), QStringLiteral("nimb-event-viewer"));
+    }
+
+    void translatorFollowsTheSystemLocale()
+    {
+        const bool russian = QLocale::system().language() == QLocale::Russian;
+        const auto inLanguage = [russian](const char *english, const char *translated) {
+            return QString::fromUtf8(russian ? translated : english);
+        };
+        // No English catalogue exists: the source texts are English.
+        QCOMPARE(nimbTranslatorInstall(QStringLiteral("nimb-event-viewer")), russian);
+        QVERIFY(!nimbTranslatorInstall(QStringLiteral("nimb-no-such-catalogue")));
+        for (const auto &[context, text, translated] :
+             {std::make_tuple("Dictionary", "error", "ошибка"), std::make_tuple("QObject", "warning", "предупреждение")})
+            QCOMPARE(QCoreApplication::translate(context, text), inLanguage(text, translated));
+
+        // The name the desktop appends to every window title.
+        QCOMPARE(QGuiApplication::applicationDisplayName(), inLanguage("System events journal", "Журнал системных событий"));
+        QCOMPARE(KAboutData::applicationData().displayName(), QGuiApplication::applicationDisplayName());
+
+        // Qt's own texts, as on the standard buttons of every dialog.
+        QDialogButtonBox buttons(QDialogButtonBox::Close | QDialogButtonBox::Cancel);
+        QCOMPARE(buttons.button(QDialogButtonBox::Close)->text(), inLanguage("Close", "Закрыть"));
+        QCOMPARE(buttons.button(QDialogButtonBox::Cancel)->text(), inLanguage("Cancel", "Отмена"));
     }
 
     void helpMenuOffersOnlyTheAboutEntries()
@@ -31,19 +58,9 @@ private slots:
         for (QAction *action : help.menu()->actions())
             entries << (action->isSeparator() ? QStringLiteral("-") : action->text().remove(QLatin1Char('&')));
         // "About <application>" and "About KDE" in the frameworks' language, with no stray separators left over.
-        QVERIFY2(entries.size() == 2 && entries[0].contains("System events journal") && entries[1].contains("KDE"),
+        QVERIFY2(entries.size() == 2 && entries[0].contains(QGuiApplication::applicationDisplayName())
+                     && entries[1].contains("KDE"),
                  qPrintable(entries.join('|')));
-    }
-
-    void translatorFollowsTheSystemLocale()
-    {
-        const bool russian = QLocale::system().language() == QLocale::Russian;
-        // No English catalogue exists: the source texts are English.
-        QCOMPARE(nimbTranslatorInstall(QStringLiteral("nimb-event-viewer")), russian);
-        QVERIFY(!nimbTranslatorInstall(QStringLiteral("nimb-no-such-catalogue")));
-        for (const auto &[context, text, translated] :
-             {std::make_tuple("Dictionary", "error", "ошибка"), std::make_tuple("QObject", "warning", "предупреждение")})
-            QCOMPARE(QCoreApplication::translate(context, text), QString::fromUtf8(russian ? translated : text));
     }
 
     void emblemsArePaintedInTheirCorners()
