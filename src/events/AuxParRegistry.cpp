@@ -45,8 +45,8 @@ QVector<CustomParameter> readCustomParameters(const QString &dirPath)
             parameter.name = object.value(QLatin1String("name")).toString().simplified();
             if (parameter.name.isEmpty())
                 continue;
-            const QString language = Language::systemLanguageName();
-            // Without a label in the system language the key itself is the most honest label.
+            const QString language = Language::textLanguageName();
+            // Without a label in that language the key itself is the most honest label.
             parameter.label = object.contains(language) ? object.value(language).toString() : parameter.name;
             result.append(parameter);
         }

@@ -105,7 +105,7 @@ void Dictionary::readSources(const QString &dirPath)
     const QDir dir(dirPath);
     if (!dir.exists())
         return;
-    const QString language = Language::systemLanguageName();
+    const QString language = Language::textLanguageName();
     const QStringList files = dir.entryList(QDir::Files, QDir::Name);
     for (const QString &fileName : files) {
         bool ok = false;

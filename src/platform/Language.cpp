@@ -13,3 +13,9 @@ bool Language::isRussian()
     static const bool russian = systemLanguageName() == QLatin1String("Russian");
     return russian;
 }
+
+const QString &Language::textLanguageName()
+{
+    static const QString name = isRussian() ? QStringLiteral("Russian") : QStringLiteral("English");
+    return name;
+}
