@@ -10,6 +10,37 @@
 #include <QHeaderView>
 #include <QStandardItemModel>
 
+#include <algorithm>
+
+namespace
+{
+// Most severe first: emergency is 1 and debug 8, and the unknown priority, 0, goes after them.
+int severityRank(Event::Priority priority)
+{
+    return priority == Event::Unknown ? Event::Debug + 1 : int(priority);
+}
+
+struct NamedSource {
+    QString name; // as the dictionary shows it; empty for a key it does not know
+    QString key;
+};
+
+// By the name shown; sources without one come last.
+QVector<NamedSource> sourcesByName(const QHash<QString, WindowCounts> &sources, const Dictionary &dictionary)
+{
+    QVector<NamedSource> named;
+    for (auto it = sources.cbegin(); it != sources.cend(); ++it)
+        named.append({dictionary.sourceText(it.key()), it.key()});
+    std::sort(named.begin(), named.end(), [](const NamedSource &a, const NamedSource &b) {
+        if (a.name.isEmpty() != b.name.isEmpty())
+            return b.name.isEmpty();
+        const int byName = a.name.localeAwareCompare(b.name);
+        return byName != 0 ? byName < 0 : a.key < b.key;
+    });
+    return named;
+}
+}
+
 SummaryDialog::SummaryDialog(const QString &logPath, QWidget *parent)
     : QDialog(parent)
     , ui(std::make_unique<Ui::SummaryDialog>())
@@ -81,6 +112,7 @@ void SummaryDialog::setCountsForSummary(MapForCounts counts)
     m_priorities.clear();
     m_sources.clear();
 
+    const Dictionary &dictionary = Dictionary::instance();
     struct Sums {
         Event::Priority priority;
         WindowCounts total;
@@ -95,13 +127,14 @@ void SummaryDialog::setCountsForSummary(MapForCounts counts)
         }
         priorities.append(sums);
     }
+    std::sort(priorities.begin(), priorities.end(),
+              [](const Sums &a, const Sums &b) { return severityRank(a.priority) < severityRank(b.priority); });
 
     auto *model = new QStandardItemModel(priorities.size(), ColumnCount, this);
     const QStringList headers{tr("Priority"), tr("Source"), tr("Hour"), tr("Day"), tr("Week")};
     for (int column = 0; column < ColumnCount; ++column)
         model->setHeaderData(column, Qt::Horizontal, headers[column], Qt::EditRole);
 
-    const Dictionary &dictionary = Dictionary::instance();
     auto setCounts = [model](const QModelIndex &parent, int row, const WindowCounts &values) {
         const quint32 counts[] = {values.hour, values.day, values.week};
         for (int i = 0; i < 3; ++i) {
@@ -119,13 +152,12 @@ void SummaryDialog::setCountsForSummary(MapForCounts counts)
         const QHash<QString, WindowCounts> &sources = counts[priority];
         model->insertRows(0, sources.size(), priorityIndex);
         model->insertColumns(0, ColumnCount, priorityIndex);
-        int child = 0;
-        for (auto it = sources.cbegin(); it != sources.cend(); ++it, ++child) {
+        const QVector<NamedSource> named = sourcesByName(sources, dictionary);
+        for (int child = 0; child < named.size(); ++child) {
             const QModelIndex sourceIndex = model->index(child, SourceColumn, priorityIndex);
-            // An unknown key has no display name and shows as empty text.
-            model->setData(sourceIndex, dictionary.sourceText(it.key()));
-            setCounts(priorityIndex, child, it.value());
-            m_sources.insert(sourceIndex, it.key());
+            model->setData(sourceIndex, named[child].name);
+            setCounts(priorityIndex, child, sources.value(named[child].key));
+            m_sources.insert(sourceIndex, named[child].key);
         }
         model->setData(model->index(row, SourceColumn), QStringLiteral("-"));
         setCounts(QModelIndex(), row, priorities[row].total);

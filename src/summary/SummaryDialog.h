@@ -21,8 +21,9 @@ class SummaryDialog;
 }
 
 // How many events of each priority and source a journal had in the last hour, day
-// and week, as a tree of priorities with their sources. Counts on a thread of its
-// own; a double click asks for the journal filtered by that priority (and source).
+// and week, as a tree of priorities, most severe first, with their sources by name.
+// Counts on a thread of its own; a double click asks for the journal filtered by that
+// priority (and source).
 class SummaryDialog : public QDialog
 {
     Q_OBJECT

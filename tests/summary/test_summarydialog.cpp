@@ -65,8 +65,7 @@ Row rowAt(const QStandardItemModel *model, int row, const QModelIndex &parent = 
     return {text(0).toString(), text(1).toString(), text(2).toInt(), text(3).toInt(), text(4).toInt()};
 }
 
-// Priority rows by name, each with its source rows sorted by source text: the tree
-// itself comes in the order of the counts' hash.
+// Priority rows by name, each with its source rows in the order shown.
 QMap<QString, QPair<Row, QList<Row>>> treeOf(const QStandardItemModel *model)
 {
     QMap<QString, QPair<Row, QList<Row>>> tree;
@@ -75,7 +74,6 @@ QMap<QString, QPair<Row, QList<Row>>> treeOf(const QStandardItemModel *model)
         QList<Row> children;
         for (int c = 0; c < model->rowCount(parent); ++c)
             children << rowAt(model, c, parent);
-        std::sort(children.begin(), children.end(), [](const Row &a, const Row &b) { return a.source < b.source; });
         tree.insert(parent.data().toString(), {rowAt(model, r), children});
     }
     return tree;
@@ -108,6 +106,17 @@ QModelIndex find(const QAbstractItemModel *model, const QString &text, int colum
             return model->index(r, column, parent);
     }
     return {};
+}
+
+// The Priority and Source texts of every row as the view shows them, top to bottom.
+QStringList shownRows(QTreeView *view)
+{
+    QStringList rows;
+    for (QModelIndex index = view->indexAt(QPoint(1, 1)); index.isValid(); index = view->indexBelow(index)) {
+        rows << index.sibling(index.row(), SummaryDialog::PriorityColumn).data().toString() + QLatin1Char('/')
+                    + index.sibling(index.row(), SummaryDialog::SourceColumn).data().toString();
+    }
+    return rows;
 }
 
 bool summarise(SummaryDialog &dialog)
@@ -151,8 +160,8 @@ private slots:
         const auto tree = treeOf(model);
         QCOMPARE(tree.keys(), QStringList({"error", "notice"}));
         QCOMPARE(tree["error"].first, (Row{"error", "-", 2, 3, 3}));
-        // An unknown source shows as empty text.
-        QCOMPARE(tree["error"].second, QList<Row>({{"", "", 1, 1, 1}, {"", "Authentication service", 1, 2, 2}}));
+        // An unknown source shows as empty text, after the known ones.
+        QCOMPARE(tree["error"].second, QList<Row>({{"", "Authentication service", 1, 2, 2}, {"", "", 1, 1, 1}}));
         QCOMPARE(tree["notice"].first, (Row{"notice", "-", 0, 0, 1}));
         QCOMPARE(tree["notice"].second, QList<Row>({{"", "Device monitor", 0, 0, 1}}));
         QVERIFY(treeView(dialog)->isExpanded(model->index(0, 0)));
@@ -178,6 +187,34 @@ private slots:
         write(path, line("debug", "velmo-net", 10));
         QVERIFY(summarise(dialog));
         QCOMPARE(treeOf(dialog.model()).keys(), QStringList({"debug"}));
+    }
+
+    // Emergency first, debug last; sources by the name shown, unknown ones after them.
+    void prioritiesBySeveritySourcesByName()
+    {
+        const QString path = m_dir.filePath("order.log");
+        QByteArray lines;
+        for (const QByteArray priority : {"debug", "notice", "emerg", "warning", "crit", "info", "alert", "err"})
+            lines += line(priority, "velmo-auth", 60);
+        // Keys in another order than their names: usb is "Device monitor", custom "Site scripts".
+        for (const QByteArray source : {"velmo-usb", "velmo-nosuch", "velmo-custom", "velmo-audit", "velmo-net"})
+            lines += line("err", source, 60);
+        write(path, lines);
+        SummaryDialog dialog(path);
+        QVERIFY(summarise(dialog));
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+
+        const QStringList rows = shownRows(treeView(dialog));
+        QStringList priorities;
+        for (const QString &row : rows) {
+            if (!row.startsWith(QLatin1Char('/')))
+                priorities << row;
+        }
+        QCOMPARE(priorities, QStringList({"emergency/-", "alert/-", "critical/-", "error/-", "warning/-", "notice/-",
+                                          "info/-", "debug/-"}));
+        const int error = rows.indexOf(QStringLiteral("error/-"));
+        QCOMPARE(rows.mid(error, 7), QStringList({"error/-", "/Audit subsystem", "/Authentication service",
+                                                  "/Device monitor", "/Network manager", "/Site scripts", "/"}));
     }
 
     void nothingInTheLastWeek()
