@@ -62,12 +62,25 @@ DesktopNotificationEnvironment::HelperResult DesktopNotificationEnvironment::run
     return result;
 }
 
-void DesktopNotificationEnvironment::startHelperAction(const QString &action, const QVariantMap &arguments)
+void DesktopNotificationEnvironment::startHelperAction(const QString &action, const QVariantMap &arguments,
+                                                       QObject *context,
+                                                       std::function<void(const HelperResult &)> finished)
 {
-    helperAction(action, arguments, m_window).execute()->start();
+    KAuth::ExecuteJob *job = helperAction(action, arguments, m_window).execute();
+    // The job deletes itself after this signal, so its error text is read in it.
+    QObject::connect(job, &KJob::result, context, [finished = std::move(finished)](KJob *done) {
+        finished(HelperResult{done->error() == KJob::NoError, done->errorString()});
+    });
+    job->start();
 }
 
 void DesktopNotificationEnvironment::showMessage(const QString &text)
 {
     QMessageBox::warning(m_window, QString(), text);
+}
+
+bool DesktopNotificationEnvironment::askYesNo(const QString &question)
+{
+    return QMessageBox::question(m_window, QString(), question, QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
+           == QMessageBox::Yes;
 }

@@ -16,8 +16,10 @@ public:
     void startProgram(const QString &program, const QStringList &arguments, QObject *context,
                       std::function<void()> finished) override;
     HelperResult runHelperAction(const QString &action, const QVariantMap &arguments) override;
-    void startHelperAction(const QString &action, const QVariantMap &arguments) override;
+    void startHelperAction(const QString &action, const QVariantMap &arguments, QObject *context,
+                           std::function<void(const HelperResult &)> finished) override;
     void showMessage(const QString &text) override;
+    bool askYesNo(const QString &question) override;
 
     // The identifier under which the helper registers; every action name starts with it.
     static QString helperId();

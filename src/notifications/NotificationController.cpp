@@ -92,6 +92,8 @@ void NotificationController::disableNotifications()
 {
     const Event *event = m_currentEvent ? m_currentEvent() : nullptr;
     const QString id = event ? event->messageId : QString();
+    if (!m_environment->askYesNo(tr("Stop sending notifications for events with the ID %1?").arg(id)))
+        return;
 
     if (!QFile::remove(rulePath(id))) {
         // Deliberately asymmetric: the helper is asked for the name with "-" for every
@@ -102,10 +104,16 @@ void NotificationController::disableNotifications()
             helperAction("removeconfig"),
             {{QStringLiteral("action"), QStringLiteral("removeConfig")}, {QStringLiteral("file"), rulePath(helperKey)}});
         if (!result.succeeded) {
-            m_environment->showMessage(tr("KAuth returned an error code: ") + result.errorText);
+            m_environment->showMessage(tr("KAuth returned an error code: %1").arg(result.errorText));
             return;
         }
     }
     rescan();
-    m_environment->startHelperAction(helperAction("loggingservicectl"), {{QStringLiteral("cmd"), QStringLiteral("restart")}});
+    // Without the restart the removed rule stays in force until the service restarts by itself.
+    m_environment->startHelperAction(
+        helperAction("loggingservicectl"), {{QStringLiteral("cmd"), QStringLiteral("restart")}}, this,
+        [this](const NotificationEnvironment::HelperResult &result) {
+            if (!result.succeeded)
+                m_environment->showMessage(tr("The logging service could not be restarted: %1").arg(result.errorText));
+        });
 }

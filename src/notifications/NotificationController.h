@@ -15,7 +15,9 @@ class QWidget;
 
 // The window's three notification commands, told apart by their actions' data
 // tags, and the states of those actions in a tab's context menu. Works on the
-// process-wide rule set unless given another.
+// process-wide rule set unless given another. Removing a rule takes effect only
+// with the logging service's restart, so it is asked for first and a failed
+// restart is reported.
 class NotificationController : public QObject
 {
     Q_OBJECT

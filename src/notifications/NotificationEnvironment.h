@@ -26,8 +26,12 @@ public:
                               std::function<void()> finished) = 0;
     // Runs a helper action and waits for its outcome.
     virtual HelperResult runHelperAction(const QString &action, const QVariantMap &arguments) = 0;
-    // Starts a helper action whose outcome nobody waits for.
-    virtual void startHelperAction(const QString &action, const QVariantMap &arguments) = 0;
+    // Starts a helper action and returns at once; `finished` gets its outcome on the
+    // GUI thread, unless `context` is gone by then.
+    virtual void startHelperAction(const QString &action, const QVariantMap &arguments, QObject *context,
+                                   std::function<void(const HelperResult &)> finished) = 0;
     // Shows `text` in a modal message box.
     virtual void showMessage(const QString &text) = 0;
+    // Asks `question` in a modal message box with Yes and No; true for Yes.
+    virtual bool askYesNo(const QString &question) = 0;
 };

@@ -4,12 +4,15 @@
 #include "NotificationEnvironment.h"
 #include "NotificationRules.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QMessageBox>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QWidget>
 #include <QtTest>
 
@@ -22,7 +25,8 @@ struct HelperCall {
     QVariantMap arguments;
 };
 
-// Records what the commands ask of the system; the helper's answer is scripted.
+// Records what the commands ask of the system; the helper's answer is scripted. Questions
+// go to the user in real message boxes.
 class RecordingEnvironment : public NotificationEnvironment
 {
 public:
@@ -33,11 +37,12 @@ public:
         int programsStarted = 0;
         QList<HelperCall> waitedActions;
         QList<HelperCall> startedActions;
+        std::function<void(const HelperResult &)> startedFinished;
         QStringList messages;
         std::function<HelperResult(const HelperCall &)> helper;
     };
 
-    explicit RecordingEnvironment(Log &log) : m_log(log) {}
+    explicit RecordingEnvironment(Log &log) : m_log(log), m_desktop(nullptr) {}
 
     void startProgram(const QString &program, const QStringList &arguments, QObject *,
                       std::function<void()> finished) override
@@ -52,14 +57,51 @@ public:
         m_log.waitedActions << HelperCall{action, arguments};
         return m_log.helper ? m_log.helper(m_log.waitedActions.last()) : HelperResult{};
     }
-    void startHelperAction(const QString &action, const QVariantMap &arguments) override
+    void startHelperAction(const QString &action, const QVariantMap &arguments, QObject *,
+                           std::function<void(const HelperResult &)> finished) override
     {
         m_log.startedActions << HelperCall{action, arguments};
+        m_log.startedFinished = std::move(finished);
     }
     void showMessage(const QString &text) override { m_log.messages << text; }
+    bool askYesNo(const QString &question) override { return m_desktop.askYesNo(question); }
 
 private:
     Log &m_log;
+    DesktopNotificationEnvironment m_desktop;
+};
+
+// Answers the next modal message box by clicking `button`, as the user would, and keeps
+// what the box said and offered.
+class BoxAnswerer : public QObject
+{
+public:
+    explicit BoxAnswerer(QMessageBox::StandardButton button) : m_button(button)
+    {
+        connect(&m_poll, &QTimer::timeout, this, [this] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!box)
+                return;
+            m_poll.stop();
+            text = box->text();
+            for (QAbstractButton *offered : box->buttons())
+                buttons << box->standardButton(offered);
+            if (QAbstractButton *answer = box->button(m_button))
+                QTest::mouseClick(answer, Qt::LeftButton);
+            else
+                box->reject();
+            answered = true;
+        });
+        m_poll.start(10);
+    }
+
+    bool answered = false;
+    QString text;
+    QList<QMessageBox::StandardButton> buttons;
+
+private:
+    QMessageBox::StandardButton m_button;
+    QTimer m_poll;
 };
 
 void touch(const QString &path)
@@ -102,6 +144,14 @@ private:
         action.setData(tag);
         connect(&action, &QAction::triggered, m_controller.get(), &NotificationController::notificationCommand);
         action.trigger();
+    }
+
+    // "Disable notifications sending", with its question answered yes.
+    void disable()
+    {
+        BoxAnswerer answerer(QMessageBox::Yes);
+        trigger(QStringLiteral("disableNotifications"));
+        QVERIFY2(answerer.answered, "no question was asked");
     }
 
 private slots:
@@ -234,6 +284,39 @@ private slots:
         QCOMPARE(m_log.programsStarted, 0);
     }
 
+    // Nothing is removed until the user has said yes to the question that names the ID.
+    void disablingAsksFirst()
+    {
+        touch(rule(m_event.messageId));
+        m_controller->rescan();
+        for (const QMessageBox::StandardButton answer : {QMessageBox::No, QMessageBox::Yes}) {
+            BoxAnswerer answerer(answer);
+            trigger(QStringLiteral("disableNotifications"));
+            QVERIFY(answerer.answered);
+            QVERIFY2(answerer.text.contains(QStringLiteral("auth-user-logon")), qPrintable(answerer.text));
+            QCOMPARE(answerer.buttons, (QList<QMessageBox::StandardButton>{QMessageBox::Yes, QMessageBox::No}));
+            const bool yes = answer == QMessageBox::Yes;
+            QCOMPARE(QFile::exists(rule(m_event.messageId)), !yes);
+            QCOMPARE(m_rules.contains(m_event.messageId), !yes);
+            QCOMPARE(m_log.startedActions.size(), yes ? 1 : 0);
+        }
+        QVERIFY(m_log.waitedActions.isEmpty() && m_log.messages.isEmpty());
+    }
+
+    // The restart runs on after the command; when it fails, the user is told why.
+    void failedRestartIsReported()
+    {
+        touch(rule(m_event.messageId));
+        disable();
+        QCOMPARE(m_log.startedActions.size(), 1);
+        QVERIFY(m_log.startedFinished);
+        m_log.startedFinished({true, QString()});
+        QVERIFY(m_log.messages.isEmpty());
+        m_log.startedFinished({false, QStringLiteral("Job for syslog-ng.service failed.")});
+        QCOMPARE(m_log.messages,
+                 QStringList{QStringLiteral("The logging service could not be restarted: Job for syslog-ng.service failed.")});
+    }
+
     void directRemovalRestartsWithoutHelper()
     {
         // The direct attempt keeps "_"; only the helper is asked for "-".
@@ -242,7 +325,7 @@ private slots:
         touch(rule(QStringLiteral("usb-device")));
         m_controller->rescan();
 
-        trigger(QStringLiteral("disableNotifications"));
+        disable();
         QVERIFY(!QFile::exists(rule(QStringLiteral("usb_device"))));
         QVERIFY(QFile::exists(rule(QStringLiteral("usb-device"))));
         QVERIFY(m_log.waitedActions.isEmpty());
@@ -263,7 +346,7 @@ private slots:
                                                          QString()};
         };
 
-        trigger(QStringLiteral("disableNotifications"));
+        disable();
         QCOMPARE(m_log.waitedActions.size(), 1);
         QCOMPARE(m_log.waitedActions[0].action, helperAction("removeconfig"));
         QCOMPARE(m_log.waitedActions[0].arguments,
@@ -284,7 +367,7 @@ private slots:
         // A rule appearing now would be seen by a rescan, which must not happen.
         touch(rule(QStringLiteral("written-meanwhile")));
 
-        trigger(QStringLiteral("disableNotifications"));
+        disable();
         QCOMPARE(m_log.waitedActions.size(), 1);
         QCOMPARE(m_log.messages, QStringList{QStringLiteral("KAuth returned an error code: Authorization denied")});
         QVERIFY(m_log.startedActions.isEmpty());
@@ -295,7 +378,7 @@ private slots:
     {
         m_current = nullptr;
         touch(rule(QString()));
-        trigger(QStringLiteral("disableNotifications"));
+        disable();
         QVERIFY(!QFile::exists(rule(QString())));
         QVERIFY(m_log.waitedActions.isEmpty());
         QCOMPARE(m_log.startedActions.size(), 1);
