@@ -135,15 +135,14 @@ QString LogInfoWindow::rotationText(const Rotation &rotation)
         return pattern.arg(QString::number(rotation.size), tr("megabytes"));
     case SizeGigabytes:
         return pattern.arg(QString::number(rotation.size), tr("gigabytes"));
-    // The logging service's own words, shown as its configuration spells them.
     case Daily:
-        return QStringLiteral("daily");
+        return tr("daily");
     case Weekly:
-        return QStringLiteral("weekly");
+        return tr("weekly");
     case Monthly:
-        return QStringLiteral("monthly");
+        return tr("monthly");
     case Yearly:
-        return QStringLiteral("yearly");
+        return tr("yearly");
     default:
         return QString();
     }
@@ -158,7 +157,7 @@ void LogInfoWindow::fill(const LogFileInfo &info)
         // A dialog is kept to two thirds of the screen; the captions and margins take their share.
         int captions = 0;
         for (const QLabel *caption : {ui->labelPath, ui->labelSize, ui->labelBirthTime, ui->labelLastModified,
-                                      ui->labelRotation})
+                                      ui->labelRotation, ui->labelMalformed})
             captions = std::max(captions, caption->sizeHint().width());
         const QMargins margins = layout()->contentsMargins();
         const int room = screen->availableGeometry().width() * 2 / 3 - captions
@@ -174,6 +173,10 @@ void LogInfoWindow::fill(const LogFileInfo &info)
     ui->rotation->setText(rotation);
     ui->labelRotation->setVisible(!rotation.isEmpty());
     ui->rotation->setVisible(!rotation.isEmpty());
+    const bool malformedKnown = info.malformedLines >= 0;
+    ui->malformed->setText(malformedKnown ? tr("%n skipped", "malformed lines", info.malformedLines) : QString());
+    ui->labelMalformed->setVisible(malformedKnown);
+    ui->malformed->setVisible(malformedKnown);
     // The layouts keep their old size hints until the next event loop pass; the
     // dialog is to fit the new texts now.
     ui->formLayout->invalidate();
@@ -181,7 +184,9 @@ void LogInfoWindow::fill(const LogFileInfo &info)
     adjustSize();
 }
 
-void LogInfoWindow::fill(const QString &path, bool mainLog)
+void LogInfoWindow::fill(const QString &path, bool mainLog, int malformedLines)
 {
-    fill(infoFor(path, mainLog));
+    LogFileInfo info = infoFor(path, mainLog);
+    info.malformedLines = malformedLines;
+    fill(info);
 }

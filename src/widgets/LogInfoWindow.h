@@ -11,8 +11,8 @@ namespace Ui
 class LogInfoWindow;
 }
 
-// Describes the file behind a tab: path, size, times and, for the main log, the
-// rotation scheme the logging service applies to it.
+// Describes the file behind a tab: path, size, times, the lines its reading passed
+// over and, for the main log, the rotation scheme the logging service applies to it.
 class LogInfoWindow : public QDialog
 {
     Q_OBJECT
@@ -40,6 +40,8 @@ public:
         QDateTime birthTime;
         QDateTime lastModified;
         Rotation rotation;
+        // Lines passed over because they are no event; -1 while not known.
+        int malformedLines = -1;
     };
 
     explicit LogInfoWindow(QWidget *parent = nullptr);
@@ -55,8 +57,8 @@ public:
     static QString rotationText(const Rotation &rotation);
 
     void fill(const LogFileInfo &info);
-    // Shortcut for fill(infoFor(path, mainLog)).
-    void fill(const QString &path, bool mainLog);
+    // Shortcut for fill(infoFor(path, mainLog)) with the given number of malformed lines.
+    void fill(const QString &path, bool mainLog, int malformedLines = -1);
 
 private:
     std::unique_ptr<Ui::LogInfoWindow> ui;

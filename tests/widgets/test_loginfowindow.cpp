@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QTranslator>
 
 namespace
 {
@@ -28,14 +29,35 @@ QString labelText(const QDialog &dialog, const char *name)
     return label->text();
 }
 
-bool rotationShown(const QDialog &dialog)
+bool rowShown(const QDialog &dialog, const char *captionName, const char *valueName)
 {
-    const auto *caption = dialog.findChild<QLabel *>(QStringLiteral("labelRotation"));
-    const auto *value = dialog.findChild<QLabel *>(QStringLiteral("rotation"));
+    const auto *caption = dialog.findChild<QLabel *>(QLatin1String(captionName));
+    const auto *value = dialog.findChild<QLabel *>(QLatin1String(valueName));
+    if (!caption || !value)
+        qFatal("no row %s", valueName);
     if (caption->isVisibleTo(&dialog) != value->isVisibleTo(&dialog))
-        qFatal("rotation caption and value disagree");
+        qFatal("caption and value of %s disagree", valueName);
     return value->isVisibleTo(&dialog);
 }
+
+bool rotationShown(const QDialog &dialog)
+{
+    return rowShown(dialog, "labelRotation", "rotation");
+}
+
+// Words the dialog's texts as "[source|count]", so that a text that never reaches the
+// catalogue, or reaches it without its count, stands out.
+class MarkingTranslator : public QTranslator
+{
+public:
+    QString translate(const char *context, const char *source, const char *, int n) const override
+    {
+        if (qstrcmp(context, "LogInfoWindow") != 0)
+            return QString();
+        return QStringLiteral("[%1|%2]").arg(QString::fromUtf8(source)).arg(n);
+    }
+    bool isEmpty() const override { return false; }
+};
 }
 
 class TestLogInfoWindow : public QObject
@@ -163,6 +185,45 @@ private slots:
         QVERIFY(shown.startsWith("/quorv/") && shown.endsWith("/events"));
         QCOMPARE(dialog.findChild<QLabel *>("path")->toolTip(), info.path);
         QCOMPARE(labelText(dialog, "modified"), QStringLiteral("unknown"));
+    }
+
+    void skippedLinesAreCounted()
+    {
+        LogInfoWindow dialog;
+        LogInfoWindow::LogFileInfo info;
+        info.path = QStringLiteral("/quorv/log/velmo/events");
+        // Until the tab has read its file the number is not known, and no row claims one.
+        dialog.fill(info);
+        QVERIFY(!rowShown(dialog, "labelMalformed", "malformed"));
+        QCOMPARE(labelText(dialog, "labelMalformed"), QStringLiteral("Malformed lines:"));
+        for (const int lines : {0, 1, 1234}) {
+            info.malformedLines = lines;
+            dialog.fill(info);
+            QVERIFY(rowShown(dialog, "labelMalformed", "malformed"));
+            QCOMPARE(labelText(dialog, "malformed"), QStringLiteral("%1 skipped").arg(lines));
+        }
+        info.malformedLines = -1;
+        dialog.fill(info);
+        QVERIFY(!rowShown(dialog, "labelMalformed", "malformed"));
+    }
+
+    // Every word the dialog shows is the catalogue's, the rotation periods included, and
+    // the count of skipped lines picks its plural form.
+    void textsGoThroughTheCatalogue()
+    {
+        MarkingTranslator translator;
+        QVERIFY(QCoreApplication::installTranslator(&translator));
+        const auto remove = qScopeGuard([&] { QCoreApplication::removeTranslator(&translator); });
+        LogInfoWindow dialog;
+        LogInfoWindow::LogFileInfo info;
+        info.malformedLines = 5;
+        const QStringList periods{"daily", "weekly", "monthly", "yearly"};
+        for (int i = 0; i < periods.size(); ++i) {
+            info.rotation.kind = LogInfoWindow::Daily + i;
+            dialog.fill(info);
+            QCOMPARE(labelText(dialog, "rotation"), QStringLiteral("[%1|-1]").arg(periods[i]));
+        }
+        QCOMPARE(labelText(dialog, "malformed"), QStringLiteral("[5 skipped|5]"));
     }
 
     void demoTreeRotatesWeekly()
