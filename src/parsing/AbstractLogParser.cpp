@@ -53,6 +53,9 @@ int AbstractLogParser::count()
         return -1;
     scan(file);
     file.close();
+    if (m_resumePosition >= 0 && !stopRequested())
+        m_malformedShown.store(static_cast<int>(std::min<qint64>(m_malformed, std::numeric_limits<int>::max())),
+                               std::memory_order_relaxed);
     const std::size_t counted = positionCount();
     const int base = indexBase();
     return std::max(0, static_cast<int>(counted) - base);
@@ -317,6 +320,7 @@ void AbstractLogParser::beginFullScan(QIODevice &file, qint64 size)
     if (m_scannedSize > size)
         m_indexBase.store(0, std::memory_order_relaxed);
     m_index.clear();
+    m_malformed = 0;
     m_scannedSize = size;
     m_lastPercent = 0;
     m_resumePosition = -1;

@@ -86,6 +86,9 @@ public:
     // What the index of positions occupies in memory.
     std::size_t indexBytes() const;
     qint64 scannedSize() const { return m_scannedSize; }
+    // Lines passed over because they are no event (blank lines aside), or -1 until a
+    // scan has read the file to its end. From any thread.
+    int malformedLineCount() const { return m_malformedShown.load(std::memory_order_relaxed); }
 
     // Worker threads for full scans of the parallel parsers; 0 means one per
     // hardware thread. Tests and benchmarks vary it.
@@ -140,6 +143,7 @@ protected:
         int lastPercent = 0;
         bool opened = false;
         bool stopped = false;
+        qint64 malformed = 0;
         LineIndex counted;
     };
 
@@ -163,11 +167,16 @@ protected:
             if (position >= end || !reader.readLine(&data, &size))
                 break;
             const Outcome outcome = judge(position, data, size);
-            if (outcome == Outcome::Counted)
+            if (outcome == Outcome::Counted) {
                 result.counted.append(position);
-            else if (outcome == Outcome::Unreadable && !reader.lastLineTerminated()) {
-                result.resume = position;
-                return result;
+            } else if (outcome == Outcome::Unreadable) {
+                if (!reader.lastLineTerminated()) {
+                    result.resume = position;
+                    return result;
+                }
+                const bool blank = std::all_of(data, data + size, [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); });
+                if (!blank || reader.lastLineOverlong())
+                    ++result.malformed;
             }
         }
         result.resume = reader.position();
@@ -234,6 +243,7 @@ protected:
                                      return judge(position, data, lineSize);
                                  });
         appendPositions(std::move(end.counted));
+        m_malformed += end.malformed;
         return end.resume;
     }
 
@@ -257,8 +267,10 @@ protected:
         }
         for (std::thread &worker : workers)
             worker.join();
-        for (RangeEnd &result : results)
+        for (RangeEnd &result : results) {
             appendPositions(std::move(result.counted));
+            m_malformed += result.malformed;
+        }
         m_lastPercent = results.back().lastPercent;
         const bool complete = std::all_of(results.begin(), results.end(),
                                           [](const RangeEnd &r) { return r.opened && !r.stopped; });
@@ -301,6 +313,10 @@ protected:
     // full, or -1 when the last scan was cut short and cannot be continued.
     qint64 m_resumePosition = -1;
     std::atomic<bool> m_invalidated{false};
+    // Malformed lines of the scans since the last full one, and the figure of the last
+    // scan that reached the end.
+    qint64 m_malformed = 0;
+    std::atomic<int> m_malformedShown{-1};
     // The bytes just before the resume position, and the file system object read.
     QByteArray m_resumeGuard;
     QPair<quint64, quint64> m_fileIdentity{0, 0};

@@ -112,6 +112,7 @@ private slots:
             const int partial = parser->count();
             QVERIFY2(partial > 0 && partial < 3000 && std::is_sorted(seen.begin(), seen.end()),
                      qPrintable(QString::number(partial)));
+            QCOMPARE(parser->malformedLineCount(), -1);
             // The next count completes, with the growth it met on the way.
             stopping = false;
             parser->setStopFlag(false);
@@ -130,6 +131,13 @@ private slots:
             expected << "next";
             QCOMPARE(parser->count(), expected.size());
             QCOMPARE(allIds(*parser), expected);
+            // Lines that are no event are told apart from blank ones and from a last one
+            // still being written.
+            const int broken = 3000 + 40 + 3 - expected.size();
+            QCOMPARE(parser->malformedLineCount(), broken);
+            fixture::append(path, "garbage\n\n  \n{\"half\": \n" + fixture::line("z").left(30));
+            QCOMPARE(parser->count(), expected.size());
+            QCOMPARE(parser->malformedLineCount(), broken + 2);
         }
     }
 
