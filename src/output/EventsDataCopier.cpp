@@ -261,6 +261,7 @@ struct Formatted {
     QByteArray text;
     QByteArray head;
     bool anyEvent = false;
+    int events = 0;
     // Rows up to the end of the batch.
     std::size_t rowsRead = 0;
 };
@@ -276,6 +277,7 @@ void formatBatch(const Layout &layout, const JournalRows::Batch &batch, bool nee
         if (needHead && !result.anyEvent)
             result.head = layout.head(event.get());
         result.anyEvent = true;
+        ++result.events;
         layout.event(result.text, *event);
     }
     if (!batch.rows.empty())
@@ -294,11 +296,13 @@ public:
     }
 
     bool needsHead() const { return !m_headWritten; }
+    int written() const { return m_events; }
 
     void write(const Formatted &formatted)
     {
         if (!formatted.anyEvent)
             return;
+        m_events += formatted.events;
         if (!m_headWritten) {
             m_file.write(formatted.head);
             m_headWritten = true;
@@ -323,6 +327,7 @@ private:
     const Layout &m_layout;
     QFile &m_file;
     bool m_headWritten = false;
+    int m_events = 0;
 };
 
 bool openTarget(QFile &file, const QString &path)
@@ -331,11 +336,11 @@ bool openTarget(QFile &file, const QString &path)
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate);
 }
 
-void writeEvents(const Layout &layout, const std::vector<const Event *> &events, const QString &path)
+int writeEvents(const Layout &layout, const std::vector<const Event *> &events, const QString &path)
 {
     QFile file;
     if (!openTarget(file, path))
-        return;
+        return -1;
     LayoutWriter writer(layout, file);
     Formatted formatted;
     for (const Event *event : events) {
@@ -344,20 +349,22 @@ void writeEvents(const Layout &layout, const std::vector<const Event *> &events,
         if (!formatted.anyEvent)
             formatted.head = layout.head(event);
         formatted.anyEvent = true;
+        ++formatted.events;
         layout.event(formatted.text, *event);
     }
     writer.write(formatted);
     writer.finish();
+    return writer.written();
 }
 
 // Parsing dominates: every batch is parsed and formatted on a thread of its own, one
 // per processor at a time, while this thread reads ahead and writes the finished
 // batches in their order. No batch waits for a slower neighbour.
-void streamEvents(const Layout &layout, const JournalRows &rows, const QString &path, OutputProgress *progress)
+int streamEvents(const Layout &layout, const JournalRows &rows, const QString &path, OutputProgress *progress)
 {
     QFile file;
     if (!openTarget(file, path))
-        return;
+        return -1;
     LayoutWriter writer(layout, file);
     const std::size_t inFlight = std::max(1u, std::thread::hardware_concurrency());
     std::deque<std::future<Formatted>> pending;
@@ -385,6 +392,7 @@ void streamEvents(const Layout &layout, const JournalRows &rows, const QString &
     while (!pending.empty())
         writeOldest();
     writer.finish();
+    return writer.written();
 }
 }
 
@@ -408,53 +416,59 @@ bool EventsDataCopier::formatOfFile(const QString &fileName, Format *format)
     return false;
 }
 
-void EventsDataCopier::writeJson(const std::vector<const Event *> &events, const QString &path) const
+int EventsDataCopier::writeJson(const std::vector<const Event *> &events, const QString &path) const
 {
-    writeEvents(kJsonLayout, events, path);
+    return writeEvents(kJsonLayout, events, path);
 }
 
-void EventsDataCopier::writeCsv(const std::vector<const Event *> &events, const QString &path) const
+int EventsDataCopier::writeCsv(const std::vector<const Event *> &events, const QString &path) const
 {
-    writeEvents(kCsvLayout, events, path);
+    return writeEvents(kCsvLayout, events, path);
 }
 
-void EventsDataCopier::writeJson(const JournalRows &rows, const QString &path, OutputProgress *progress) const
+int EventsDataCopier::writeJson(const JournalRows &rows, const QString &path, OutputProgress *progress) const
 {
-    streamEvents(kJsonLayout, rows, path, progress);
+    return streamEvents(kJsonLayout, rows, path, progress);
 }
 
-void EventsDataCopier::writeCsv(const JournalRows &rows, const QString &path, OutputProgress *progress) const
+int EventsDataCopier::writeCsv(const JournalRows &rows, const QString &path, OutputProgress *progress) const
 {
-    streamEvents(kCsvLayout, rows, path, progress);
+    return streamEvents(kCsvLayout, rows, path, progress);
 }
 
-void EventsDataCopier::writeRawLines(const JournalRows &rows, const QString &path, OutputProgress *progress) const
+int EventsDataCopier::writeRawLines(const JournalRows &rows, const QString &path, OutputProgress *progress) const
 {
     QFile file;
     if (!openTarget(file, path))
-        return;
+        return -1;
+    int written = 0;
     rows.read(kRawBatchBytes, [&](JournalRows::Batch &&batch) {
         file.write(batch.text);
+        written += static_cast<int>(batch.lineCount());
         file.flush();
         if (progress)
             progress->report(qint64(batch.rows.back()) + 1, qint64(rows.size()));
         return !(progress && progress->stopRequested());
     });
+    return written;
 }
 
 void EventsDataCopier::write(const EventsSelection &selection, Format format, const QString &path,
                              OutputProgress *progress) const
 {
+    int written;
     if (format == RawLines) {
-        writeRawLines(selection.rows(), path, progress);
+        written = writeRawLines(selection.rows(), path, progress);
     } else if (selection.isJournal()) {
         const JournalRows rows = selection.rows();
-        format == Json ? writeJson(rows, path, progress) : writeCsv(rows, path, progress);
+        written = format == Json ? writeJson(rows, path, progress) : writeCsv(rows, path, progress);
     } else {
-        format == Json ? writeJson(selection.events(), path) : writeCsv(selection.events(), path);
+        written = format == Json ? writeJson(selection.events(), path) : writeCsv(selection.events(), path);
     }
-    if (progress)
+    if (progress) {
         progress->report(1, 1);
+        progress->setOutcome(written);
+    }
 }
 
 QString EventsDataCopier::copyText(const QList<const Event *> &events, const QSet<int> &auxTypes,

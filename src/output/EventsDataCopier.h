@@ -34,17 +34,19 @@ public:
     // case-sensitively. False for any other ending.
     static bool formatOfFile(const QString &fileName, Format *format);
 
-    // Each writer truncates the target and gives up silently when it cannot be opened.
-    void writeJson(const std::vector<const Event *> &events, const QString &path) const;
-    void writeCsv(const std::vector<const Event *> &events, const QString &path) const;
+    // Each writer truncates the target and returns how many events (lines) it wrote;
+    // -1, and nothing written, when the target cannot be opened.
+    int writeJson(const std::vector<const Event *> &events, const QString &path) const;
+    int writeCsv(const std::vector<const Event *> &events, const QString &path) const;
     // Rows of a journal, streamed: read in batches, parsed on every processor, written
     // in order. Lines that no longer parse are left out.
-    void writeJson(const JournalRows &rows, const QString &path, OutputProgress *progress = nullptr) const;
-    void writeCsv(const JournalRows &rows, const QString &path, OutputProgress *progress = nullptr) const;
+    int writeJson(const JournalRows &rows, const QString &path, OutputProgress *progress = nullptr) const;
+    int writeCsv(const JournalRows &rows, const QString &path, OutputProgress *progress = nullptr) const;
     // The lines unchanged, each followed by a line feed.
-    void writeRawLines(const JournalRows &rows, const QString &path, OutputProgress *progress = nullptr) const;
+    int writeRawLines(const JournalRows &rows, const QString &path, OutputProgress *progress = nullptr) const;
 
-    // One export job: the selection in the given format. Call it on the job's thread.
+    // One export job: the selection in the given format, its count left as the
+    // progress's outcome. Call it on the job's thread.
     void write(const EventsSelection &selection, Format format, const QString &path,
                OutputProgress *progress = nullptr) const;
 

@@ -109,7 +109,10 @@ public:
         }
         drawRow(cells, height);
         ++m_rowsOnPage;
+        ++m_events;
     }
+
+    int events() const { return m_events; }
 
     int end()
     {
@@ -221,6 +224,7 @@ private:
     qreal m_y = 0;
     int m_pages = 0;
     int m_rowsOnPage = 0;
+    int m_events = 0;
 };
 
 EventsPrinter::EventsPrinter(QObject *parent)
@@ -257,6 +261,16 @@ private:
 
 int EventsPrinter::print(const std::vector<const Event *> &events)
 {
+    return printList(events, nullptr);
+}
+
+int EventsPrinter::print(const JournalRows &rows, OutputProgress *progress)
+{
+    return printRows(rows, progress, nullptr);
+}
+
+int EventsPrinter::printList(const std::vector<const Event *> &events, int *printed)
+{
     std::lock_guard<std::mutex> job(m_jobMutex);
     PrintingFlag printing(m_printing);
     quint32 largest = 0;
@@ -269,10 +283,12 @@ int EventsPrinter::print(const std::vector<const Event *> &events)
         if (event)
             report.add(*event);
     }
+    if (printed)
+        *printed = report.events();
     return report.end();
 }
 
-int EventsPrinter::print(const JournalRows &rows, OutputProgress *progress)
+int EventsPrinter::printRows(const JournalRows &rows, OutputProgress *progress, int *printed)
 {
     std::lock_guard<std::mutex> job(m_jobMutex);
     PrintingFlag printing(m_printing);
@@ -291,13 +307,19 @@ int EventsPrinter::print(const JournalRows &rows, OutputProgress *progress)
             progress->report(qint64(batch.rows.back()) + 1, qint64(rows.size()));
         return !(progress && progress->stopRequested());
     });
+    if (printed)
+        *printed = report.events();
     return report.end();
 }
 
 int EventsPrinter::print(const EventsSelection &selection, OutputProgress *progress)
 {
-    const int pages = selection.isJournal() ? print(selection.rows(), progress) : print(selection.events());
-    if (progress)
+    int printed = 0;
+    const int pages = selection.isJournal() ? printRows(selection.rows(), progress, &printed)
+                                            : printList(selection.events(), &printed);
+    if (progress) {
         progress->report(1, 1);
+        progress->setOutcome(pages > 0 ? printed : -1);
+    }
     return pages;
 }

@@ -37,11 +37,16 @@ public:
     int print(const std::vector<const Event *> &events);
     // Rows of a journal, read and drawn batch by batch.
     int print(const JournalRows &rows, OutputProgress *progress = nullptr);
-    // One print job. Call it on the job's thread.
+    // One print job, the number of events drawn left as the progress's outcome.
+    // Call it on the job's thread.
     int print(const EventsSelection &selection, OutputProgress *progress = nullptr);
 
 private:
     class Report;
+
+    // The overloads above; `printed`, when given, receives the number of events drawn.
+    int printList(const std::vector<const Event *> &events, int *printed);
+    int printRows(const JournalRows &rows, OutputProgress *progress, int *printed);
 
     std::unique_ptr<QPrinter> m_printer;
     QStringList m_titles;

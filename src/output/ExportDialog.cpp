@@ -21,6 +21,13 @@ void ExportDialog::setFilter(int filter)
         ui->exportCurrentPageButton->setChecked(true);
 }
 
+void ExportDialog::setSelectionAvailable(bool available)
+{
+    ui->exportSelectedButton->setEnabled(available);
+    if (!available && ui->exportSelectedButton->isChecked())
+        ui->exportCurrentPageButton->setChecked(true);
+}
+
 ExportDialog::ExportFilter ExportDialog::filter() const
 {
     if (ui->exportCurrentPageButton->isChecked())

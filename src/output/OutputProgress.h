@@ -20,10 +20,17 @@ public:
     void requestStop() { m_stop.store(true, std::memory_order_relaxed); }
     bool stopRequested() const { return m_stop.load(std::memory_order_relaxed); }
 
+    // How the job ended: the number of events it wrote or printed, or -1 when it
+    // had nowhere to put them (a file that cannot be opened, a printer that cannot
+    // be drawn on). The job's thread sets it last; read it once the thread ended.
+    void setOutcome(int events) { m_outcome.store(events); }
+    int outcome() const { return m_outcome.load(); }
+
 Q_SIGNALS:
     void percentChanged(int percent);
 
 private:
     std::atomic<int> m_percent{0};
     std::atomic<bool> m_stop{false};
+    std::atomic<int> m_outcome{-1};
 };

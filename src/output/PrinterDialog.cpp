@@ -23,6 +23,13 @@ void PrinterDialog::setFilter(int filter)
         ui->printCurrentPageButton->setChecked(true);
 }
 
+void PrinterDialog::setSelectionAvailable(bool available)
+{
+    ui->printSelectedButton->setEnabled(available);
+    if (!available && ui->printSelectedButton->isChecked())
+        ui->printCurrentPageButton->setChecked(true);
+}
+
 PrinterDialog::PrintFilter PrinterDialog::filter() const
 {
     if (ui->printCurrentPageButton->isChecked())

@@ -26,6 +26,9 @@ public:
 
     // 0 checks "all", 2 "selected", any other value "current page".
     void setFilter(int filter);
+    // Without a selection its choice is offered disabled; when it was the choice,
+    // the current page is chosen instead.
+    void setSelectionAvailable(bool available);
     PrintFilter filter() const;
 
 Q_SIGNALS:

@@ -317,7 +317,7 @@ private slots:
         QVERIFY(accepted.size() > 4 * 1024 * 1024);
 
         const QString raw = path("big-raw.log");
-        m_copier.writeRawLines(rows, raw);
+        QCOMPARE(m_copier.writeRawLines(rows, raw), int(rows.size()));
         QVERIFY(output::read(raw) == accepted);
 
         auto loaded = parser.loadAll();
@@ -325,8 +325,8 @@ private slots:
         const std::vector<const Event *> events(loaded.second.begin(), loaded.second.end());
         const QString listJson = path("big-list.json");
         const QString streamJson = path("big-stream.json");
-        m_copier.writeJson(events, listJson);
-        m_copier.writeJson(rows, streamJson);
+        QCOMPARE(m_copier.writeJson(events, listJson), int(events.size()));
+        QCOMPARE(m_copier.writeJson(rows, streamJson), int(events.size()));
         QVERIFY(output::read(streamJson) == output::read(listJson));
         QCOMPARE(QJsonDocument::fromJson(output::read(streamJson)).array().size(), int(events.size()));
 
@@ -350,7 +350,8 @@ private slots:
             positions.push_back(at);
         const JournalRows stale(journal, positions);
         const output::Parsed tailEvents = output::parse(tail.split('\n'));
-        m_copier.writeCsv(stale, streamCsv);
+        // Only what was written is counted.
+        QCOMPARE(m_copier.writeCsv(stale, streamCsv), int(tailEvents.events.size()));
         m_copier.writeCsv(tailEvents.events, listCsv);
         QVERIFY(output::read(streamCsv) == output::read(listCsv));
         m_copier.writeJson(stale, streamJson);
@@ -447,8 +448,11 @@ private slots:
     {
         const QString target = path("missing-dir/out.json");
         const auto events = handBuilt();
-        m_copier.writeJson(pointers(events), target);
-        m_copier.writeRawLines(JournalRows(path("nothing.log"), {0}), target);
+        QCOMPARE(m_copier.writeJson(pointers(events), target), -1);
+        OutputProgress progress;
+        m_copier.write(EventsSelection::journalRows(JournalRows(path("nothing.log"), {0})), EventsDataCopier::RawLines,
+                       target, &progress);
+        QCOMPARE(progress.outcome(), -1);
         QVERIFY(!QFile::exists(target));
     }
 };

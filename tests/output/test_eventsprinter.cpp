@@ -174,6 +174,7 @@ private slots:
         QCOMPARE(printOnThread(printer, EventsSelection::journalRows(JournalRows(journal, parser.positions())), &progress),
                  drawn);
         QVERIFY(!percent.isEmpty() && percent.last().at(0).toInt() == 100);
+        QCOMPARE(progress.outcome(), count);
         const Pdf streamed = readPdf(streamPdf);
         QCOMPARE(streamed.pages, pdf.pages);
         // Apart from the title's time.
@@ -201,6 +202,11 @@ private slots:
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral(".*")));
         QTest::ignoreMessage(QtDebugMsg, "Printer Error: Could not link painter to printer.");
         QCOMPARE(printer.print(std::vector<const Event *>()), 0);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral(".*")));
+        QTest::ignoreMessage(QtDebugMsg, "Printer Error: Could not link painter to printer.");
+        OutputProgress progress;
+        QCOMPARE(printOnThread(printer, EventsSelection::loaded(QList<const Event *>(), nullptr), &progress), 0);
+        QCOMPARE(progress.outcome(), -1);
     }
 };
 

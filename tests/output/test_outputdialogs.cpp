@@ -79,6 +79,19 @@ void checkChoices(Dialog &dialog, const Names &names, Signal signal)
     QTest::mouseClick(push(dialog, names.accept), Qt::LeftButton);
     QCOMPARE(spy.size(), 1);
     QCOMPARE(spy.takeFirst().at(0).toInt(), 2);
+
+    // With nothing selected the selection cannot be chosen; the page stands in for it.
+    dialog.show();
+    dialog.setSelectionAvailable(false);
+    QVERIFY(radio(dialog, names.page)->isChecked());
+    clickRadio(radio(dialog, names.selected));
+    QTest::mouseClick(push(dialog, names.accept), Qt::LeftButton);
+    QCOMPARE(spy.takeFirst().at(0).toInt(), 1);
+    dialog.setSelectionAvailable(true);
+    dialog.show();
+    clickRadio(radio(dialog, names.selected));
+    QTest::mouseClick(push(dialog, names.accept), Qt::LeftButton);
+    QCOMPARE(spy.takeFirst().at(0).toInt(), 2);
 }
 }
 
