@@ -81,6 +81,7 @@ void ColumnChooser::showPopup()
 {
     // Wide enough for the longest column name, whatever the box itself measures.
     view()->setMinimumWidth(view()->sizeHintForColumn(0) + 2 * view()->frameWidth() + 24);
+    m_pressedRow = -1;
     QComboBox::showPopup();
 }
 
@@ -96,14 +97,22 @@ bool ColumnChooser::eventFilter(QObject *watched, QEvent *event)
     if (watched == view()->viewport()) {
         switch (event->type()) {
         case QEvent::MouseButtonRelease: {
+            // The list opens under the pointer on the press on the closed box; the
+            // release of that press lands on whatever row is there.
             const auto *mouse = static_cast<QMouseEvent *>(event);
-            if (mouse->button() == Qt::LeftButton)
-                toggle(view()->indexAt(mouse->pos()).row());
+            const int row = view()->indexAt(mouse->pos()).row();
+            if (mouse->button() == Qt::LeftButton && row == m_pressedRow)
+                toggle(row);
+            m_pressedRow = -1;
             return true;
         }
         case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseButtonDblClick: {
+            const auto *mouse = static_cast<QMouseEvent *>(event);
+            if (mouse->button() == Qt::LeftButton)
+                m_pressedRow = view()->indexAt(mouse->pos()).row();
             return true;
+        }
         default:
             break;
         }

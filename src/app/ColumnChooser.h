@@ -9,7 +9,8 @@ class QStandardItemModel;
 // The toolbar's drop-down of optional table columns. Its first row is the caption
 // "Show columns", which is all the closed box ever shows; every other row is one
 // auxiliary-parameter column with a check mark. Clicking a row toggles its mark and
-// leaves the list open, so several columns can be picked in one go.
+// leaves the list open, so several columns can be picked in one go; the click that
+// opens the list toggles nothing.
 class ColumnChooser : public QComboBox
 {
     Q_OBJECT
@@ -39,4 +40,6 @@ private:
     void toggle(int row);
 
     QStandardItemModel *m_model;
+    // The row a button went down on inside the open list; -1 when none did.
+    int m_pressedRow = -1;
 };

@@ -29,8 +29,10 @@
 
 #include <QAction>
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPrintDialog>
 #include <QThread>
 #include <QMenuBar>
@@ -63,6 +65,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(std::make_uniq
     m_notifications->rescan();
     openMainTab();
     connect(ui->tabWidget, &QTabWidget::tabCloseRequested, this, &MainWindow::closeTab);
+    ui->tabWidget->tabBar()->installEventFilter(this);
     restoreWindow();
     startReadingClicked();
 }
@@ -80,6 +83,7 @@ MainWindow::~MainWindow()
     // tab widget announce on the way may reach this window. Tabs closed while still
     // loading are children too, though no longer in the tab widget.
     disconnect(ui->tabWidget, nullptr, this, nullptr);
+    ui->tabWidget->tabBar()->removeEventFilter(this);
     const auto tabs = findChildren<LogWidget *>();
     for (LogWidget *tab : tabs) {
         disconnect(tab, nullptr, this, nullptr);
@@ -150,6 +154,27 @@ void MainWindow::createActions()
                                    QStringLiteral("edit-clear"));
     connect(m_clearTableAction, &QAction::triggered, this, &MainWindow::clearTableClicked);
 
+    // Reached by their keys alone, as in any window with tabs.
+    m_closeTabAction =
+        makeAction(QStringLiteral("actionCloseTab"), tr("Close tab"), QString(), QStringLiteral("tab-close"));
+    m_closeTabAction->setShortcuts(QKeySequence::Close);
+    connect(m_closeTabAction, &QAction::triggered, this, [this] { closeTab(ui->tabWidget->currentIndex()); });
+    m_nextTabAction = makeAction(QStringLiteral("actionNextTab"), tr("Next tab"), QString(), QString());
+    m_nextTabAction->setShortcuts(QKeySequence::NextChild);
+    connect(m_nextTabAction, &QAction::triggered, this, [this] { switchTab(1); });
+    m_previousTabAction = makeAction(QStringLiteral("actionPreviousTab"), tr("Previous tab"), QString(), QString());
+    m_previousTabAction->setShortcuts(QKeySequence::PreviousChild);
+    connect(m_previousTabAction, &QAction::triggered, this, [this] { switchTab(-1); });
+    // Reads the file again; a cleared table stays cleared, for "Refresh log" to restore.
+    m_reloadAction =
+        makeAction(QStringLiteral("actionReload"), tr("Reload log"), QString(), QStringLiteral("view-refresh"));
+    m_reloadAction->setShortcuts(QKeySequence::Refresh);
+    connect(m_reloadAction, &QAction::triggered, this, [this] {
+        if (LogWidget *tab = currentLog())
+            tab->refresh();
+    });
+    addActions({m_closeTabAction, m_nextTabAction, m_previousTabAction, m_reloadAction});
+
     m_copyAction = makeAction(QStringLiteral("actionCopy"), tr("Copy"), tr("Copy"), QStringLiteral("edit-copy"),
                              QKeySequence(Qt::CTRL | Qt::Key_C));
     m_copyAction->setEnabled(false);
@@ -177,6 +202,7 @@ void MainWindow::createActions()
 
     m_filterAction = makeAction(QStringLiteral("actionFilter"), tr("Filter"), tr("Message filter"),
                                QStringLiteral("view-filter"));
+    m_filterAction->setShortcuts(QKeySequence::Find);
     connect(m_filterAction, &QAction::triggered, this, &MainWindow::filterClicked);
 
     m_filterByIdAction = makeAction(QStringLiteral("actionFilterById"), tr("Filter by message ID"), QString(),
@@ -412,7 +438,7 @@ void MainWindow::fillSavedFilters()
         QAction *action = m_savedFiltersMenu->addAction(QString(filter.name).replace(QLatin1Char('&'), QStringLiteral("&&")));
         connect(action, &QAction::triggered, this, [this, filter] { applyFilter(filter); });
     }
-    m_savedFiltersMenu->setEnabled(!m_savedFiltersMenu->isEmpty());
+    updateJournalActions();
 }
 
 void MainWindow::fillFavorites()
@@ -425,11 +451,13 @@ void MainWindow::fillFavorites()
     if (!m_favoritesMenu->isEmpty())
         m_favoritesMenu->addSeparator();
     m_favoritesMenu->addAction(m_editListAction);
+    updateJournalActions();
 }
 
 void MainWindow::addLogTab(LogWidget *tab, const QString &title)
 {
     connect(tab, &LogWidget::feedbackRequest, this, &MainWindow::setFeedbackMessage);
+    connect(tab, &LogWidget::feedbackRequest, this, &MainWindow::updateJournalActions);
     connect(tab, &LogWidget::selectionChanged, this, &MainWindow::selectionChanged);
     connect(tab, &LogWidget::showDetails, this, &MainWindow::showEventDetails);
     connect(tab, &LogWidget::contextMenuAboutToShow, this, [this, tab] {
@@ -457,6 +485,32 @@ void MainWindow::closeTab(int index)
         tab->stopLoader();
         tab->deleteLater();
     }
+}
+
+void MainWindow::switchTab(int step)
+{
+    const int count = ui->tabWidget->count();
+    if (count > 1)
+        ui->tabWidget->setCurrentIndex(((ui->tabWidget->currentIndex() + step) % count + count) % count);
+}
+
+bool MainWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    QTabBar *bar = ui->tabWidget->tabBar();
+    if (watched == bar && event->type() == QEvent::MouseButtonRelease) {
+        const auto *mouse = static_cast<QMouseEvent *>(event);
+        if (mouse->button() == Qt::MiddleButton) {
+            closeTab(bar->tabAt(mouse->pos()));
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+LogWidget *MainWindow::stillOpen(const QPointer<LogWidget> &tab) const
+{
+    // A closed tab lives on until its work ends, outside the tab widget.
+    return tab && ui->tabWidget->indexOf(tab) >= 0 ? tab.data() : nullptr;
 }
 
 LogWidget *MainWindow::logAt(int index) const
@@ -501,7 +555,7 @@ void MainWindow::openLog(const QString &path)
 void MainWindow::applyFilter(const FilterPack &filter)
 {
     LogWidget *tab = currentLog();
-    if (!tab)
+    if (!tab || !tab->isReadable())
         return;
     if (tab->isFiltered()) {
         tab->setFilter(filter);
@@ -562,6 +616,7 @@ void MainWindow::on_tabWidget_currentChanged(int index)
     m_refreshLogAction->setEnabled(tab->isCleared());
     setFeedbackMessage();
     updateReadingActions();
+    updateJournalActions();
     selectionChanged(!tab->selectedEvents().isEmpty());
 }
 
@@ -570,14 +625,50 @@ void MainWindow::setFeedbackMessage()
     LogWidget *tab = currentLog();
     if (!tab)
         return;
-    if (!tab->isLoading()) {
+    const auto job = m_jobs.constFind(tab);
+    if (job != m_jobs.constEnd()) {
+        // What the tab itself last said about its loading is stale while a job holds it.
         m_progressBar->hide();
-        statusBar()->showMessage(tab->feedbackText());
-    } else {
-        statusBar()->clearMessage();
+        showStatus(job->progressText(job->progress->percent()));
+    } else if (tab->isLoading()) {
+        showStatus(QString());
+        m_progressBar->setValue(tab->percent());
         m_progressBar->show();
-        const OutputProgress *job = m_jobs.value(tab);
-        m_progressBar->setValue(job ? job->percent() : tab->percent());
+    } else {
+        m_progressBar->hide();
+        showStatus(tab->feedbackText());
+    }
+}
+
+void MainWindow::showStatus(const QString &text)
+{
+    m_statusText = text;
+    statusBar()->showMessage(text);
+}
+
+bool MainWindow::event(QEvent *event)
+{
+    // Every hovered menu entry and tool button announces its status tip, and none of
+    // ours has one: shown as it comes, the empty tip would wipe the status text.
+    if (event->type() == QEvent::StatusTip) {
+        const QString tip = static_cast<QStatusTipEvent *>(event)->tip();
+        statusBar()->showMessage(tip.isEmpty() ? m_statusText : tip);
+        return true;
+    }
+    return QMainWindow::event(event);
+}
+
+void MainWindow::updateJournalActions()
+{
+    const LogWidget *tab = currentLog();
+    const bool readable = tab && tab->isReadable();
+    for (QAction *action : {m_summaryAction, m_printAction, m_exportAction, m_filterAction, m_filterByIdAction})
+        action->setEnabled(readable);
+    m_savedFiltersMenu->setEnabled(readable && !m_savedFiltersMenu->isEmpty());
+    const auto favorites = m_favoritesMenu->actions();
+    for (QAction *action : favorites) {
+        if (action != m_editListAction)
+            action->setEnabled(readable);
     }
 }
 
@@ -722,10 +813,12 @@ void MainWindow::logInfoClicked()
 void MainWindow::printClicked()
 {
     LogWidget *tab = currentLog();
-    if (!tab || tab->isLoading() || m_printer->isPrinting())
+    if (!tab || !tab->isReadable() || tab->isLoading() || m_printer->isPrinting())
         return;
-    m_printerDialog->setFilter(tab->selectedEvents().isEmpty() ? PrinterDialog::PrintFilter(1)
-                                                               : PrinterDialog::PrintFilter(2));
+    m_printTab = tab;
+    const bool selected = !tab->selectedEvents().isEmpty();
+    m_printerDialog->setSelectionAvailable(selected);
+    m_printerDialog->setFilter(selected ? PrinterDialog::SelectedEvents : PrinterDialog::CurrentPage);
     m_printerDialog->show();
     m_printerDialog->raise();
 }
@@ -733,10 +826,12 @@ void MainWindow::printClicked()
 void MainWindow::exportClicked()
 {
     LogWidget *tab = currentLog();
-    if (!tab || tab->isLoading())
+    if (!tab || !tab->isReadable() || tab->isLoading())
         return;
-    m_exportDialog->setFilter(tab->selectedEvents().isEmpty() ? ExportDialog::ExportFilter(1)
-                                                              : ExportDialog::ExportFilter(2));
+    m_exportTab = tab;
+    const bool selected = !tab->selectedEvents().isEmpty();
+    m_exportDialog->setSelectionAvailable(selected);
+    m_exportDialog->setFilter(selected ? ExportDialog::SelectedEvents : ExportDialog::CurrentPage);
     m_exportDialog->show();
     m_exportDialog->raise();
 }
@@ -751,25 +846,29 @@ EventsSelection MainWindow::selectionFor(LogWidget *tab, int filter) const
 }
 
 template<typename Work>
-void MainWindow::runJob(LogWidget *tab, Work work)
+void MainWindow::runJob(LogWidget *tab, Work work, std::function<QString(int)> progressText,
+                        std::function<QString(int)> doneText)
 {
     auto *progress = new OutputProgress;
-    tab->setBusy(true);
     QThread *thread = QThread::create([work = std::move(work), progress, tab]() mutable {
         work(progress);
         tab->setBusy(false);
     });
     progress->setParent(thread);
     thread->setParent(this);
-    m_jobs.insert(tab, progress);
+    m_jobs.insert(tab, {progress, std::move(progressText)});
+    tab->setBusy(true);
     connect(progress, &OutputProgress::percentChanged, this, [this, tab] {
         if (currentLog() == tab)
             setFeedbackMessage();
     });
-    connect(thread, &QThread::finished, this, [this, tab, thread] {
-        if (m_jobs.value(tab) && m_jobs.value(tab)->parent() == thread)
+    connect(thread, &QThread::finished, this, [this, tab, thread, progress, doneText = std::move(doneText)] {
+        if (m_jobs.value(tab).progress == progress)
             m_jobs.remove(tab);
         setFeedbackMessage();
+        const QString done = doneText(progress->outcome());
+        if (!done.isEmpty())
+            showStatus(done);
         thread->deleteLater();
     });
     thread->start();
@@ -777,28 +876,41 @@ void MainWindow::runJob(LogWidget *tab, Work work)
 
 void MainWindow::print(PrinterDialog::PrintFilter filter)
 {
-    LogWidget *tab = currentLog();
+    QPointer<LogWidget> tab = stillOpen(m_printTab);
     if (!tab || tab->isLoading() || m_printer->isPrinting())
         return;
     QPrintDialog dialog(m_printer->printer(), this);
-    if (dialog.exec() != QDialog::Accepted)
+    if (dialog.exec() != QDialog::Accepted || !stillOpen(tab))
         return;
-    runJob(tab, [printer = m_printer, selection = selectionFor(tab, filter)](OutputProgress *progress) {
-        printer->print(selection, progress);
-    });
+    runJob(
+        tab,
+        [printer = m_printer, selection = selectionFor(tab, filter)](OutputProgress *progress) {
+            printer->print(selection, progress);
+        },
+        [](int percent) { return tr("Printing… %1 %").arg(percent); },
+        // A printer that cannot be drawn on goes to the debug log only.
+        [](int printed) { return printed < 0 ? QString() : tr("Printed %n events.", "", printed); });
 }
 
 void MainWindow::exportEvents(ExportDialog::ExportFilter filter)
 {
-    LogWidget *tab = currentLog();
+    QPointer<LogWidget> tab = stillOpen(m_exportTab);
     if (!tab || tab->isLoading())
         return;
     const QString path =
         QFileDialog::getSaveFileName(this, tr("Export events"), QString(), QStringLiteral("*.json;; *.csv;; *.log"));
     EventsDataCopier::Format format;
-    if (path.isEmpty() || !EventsDataCopier::formatOfFile(path, &format))
+    if (path.isEmpty() || !EventsDataCopier::formatOfFile(path, &format) || !stillOpen(tab))
         return;
-    runJob(tab, [copier = m_copier, selection = selectionFor(tab, filter), format, path](OutputProgress *progress) {
-        copier->write(selection, format, path, progress);
-    });
+    const QString shownPath = QDir::toNativeSeparators(path);
+    runJob(
+        tab,
+        [copier = m_copier, selection = selectionFor(tab, filter), format, path](OutputProgress *progress) {
+            copier->write(selection, format, path, progress);
+        },
+        [](int percent) { return tr("Exporting… %1 %").arg(percent); },
+        [shownPath](int written) {
+            return written < 0 ? tr("Could not write to %1.").arg(shownPath)
+                               : tr("Exported %n events to %1.", "", written).arg(shownPath);
+        });
 }

@@ -8,8 +8,10 @@
 #include <QHash>
 #include <QList>
 #include <QMainWindow>
+#include <QPointer>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 class ColumnChooser;
@@ -69,6 +71,12 @@ public Q_SLOTS:
     void settingsChanged();
     void filterFromSummary(Event::Priority priority, const QString &source);
 
+protected:
+    // Status tips of hovered entries; the window's own feedback stays.
+    bool event(QEvent *event) override;
+    // A middle click on a tab closes it.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void createStatusBar();
     void createDialogs();
@@ -90,8 +98,18 @@ private:
 
     void addLogTab(LogWidget *tab, const QString &title);
     void closeTab(int index);
+    // Moves `step` tabs on, round the ends.
+    void switchTab(int step);
     LogWidget *currentLog() const;
     LogWidget *logAt(int index) const;
+    // The tab a dialog was opened for while it is still one of the window's tabs.
+    LogWidget *stillOpen(const QPointer<LogWidget> &tab) const;
+    // The status bar's text until the next one; hovering menus and tools does not
+    // change it.
+    void showStatus(const QString &text);
+    // A tab whose file could not be read offers nothing to summarise, export,
+    // print or filter.
+    void updateJournalActions();
     // The message ID of the single selected event of the current tab; empty otherwise.
     QString currentMessageId() const;
 
@@ -117,9 +135,11 @@ private:
     // What an export or print job covers, gathered on this thread.
     EventsSelection selectionFor(LogWidget *tab, int filter) const;
     // Runs `work` on a thread of its own while the tab is held busy; the job's
-    // last step releases the tab.
+    // last step releases the tab. While it runs the status bar says
+    // `progressText(percent)`; at its end `doneText(outcome)`, unless empty.
     template<typename Work>
-    void runJob(LogWidget *tab, Work work);
+    void runJob(LogWidget *tab, Work work, std::function<QString(int)> progressText,
+                std::function<QString(int)> doneText);
 
     std::unique_ptr<Ui::MainWindow> ui;
     ConfigHandler *m_config = nullptr;
@@ -135,8 +155,16 @@ private:
     ExportDialog *m_exportDialog = nullptr;
     EventsDataCopier *m_copier = nullptr;
     NotificationController *m_notifications = nullptr;
-    // Progress of the export or print job holding a tab.
-    QHash<LogWidget *, OutputProgress *> m_jobs;
+    // The export or print job holding a tab.
+    struct Job {
+        OutputProgress *progress = nullptr;
+        std::function<QString(int)> progressText;
+    };
+    QHash<LogWidget *, Job> m_jobs;
+    // The tabs the export and print dialogs were opened for.
+    QPointer<LogWidget> m_exportTab;
+    QPointer<LogWidget> m_printTab;
+    QString m_statusText;
 
     QMenu *m_recentFilesMenu = nullptr;
     QMenu *m_savedFiltersMenu = nullptr;
@@ -145,6 +173,10 @@ private:
     ColumnChooser *m_columnChooser = nullptr;
 
     QAction *m_clearTableAction = nullptr;
+    QAction *m_closeTabAction = nullptr;
+    QAction *m_nextTabAction = nullptr;
+    QAction *m_previousTabAction = nullptr;
+    QAction *m_reloadAction = nullptr;
     QAction *m_copyAction = nullptr;
     QAction *m_editListAction = nullptr;
     QAction *m_eventDetailsAction = nullptr;

@@ -3,6 +3,8 @@
 #include "ConfigHandler.h"
 #include "DetailsWindow.h"
 #include "EventsModel.h"
+#include "EventsPrinter.h"
+#include "ExportDialog.h"
 #include "EventsView.h"
 #include "FilterWindow.h"
 #include "JournalGenerator.h"
@@ -11,6 +13,7 @@
 #include "MainLogWidget.h"
 #include "MainWindow.h"
 #include "NimbTestMain.h"
+#include "PrinterDialog.h"
 #include "PriorityItem.h"
 #include "TsanDefaults.h"
 
@@ -22,7 +25,12 @@
 #include <QLineEdit>
 #include <QDialogButtonBox>
 #include <QCheckBox>
+#include <QFileDialog>
 #include <QLabel>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QRadioButton>
+#include <QTimer>
 #include <QPointer>
 #include <QMenu>
 #include <QMenuBar>
@@ -127,6 +135,102 @@ class TestMainWindow : public QObject
     void selectFirstRow(LogWidget *tab)
     {
         tab->view()->selectRow(0);
+    }
+
+    // The first lines of the main journal as a journal of its own.
+    QString partOfJournal(const QString &name, int lines)
+    {
+        QFile journal(mainJournal());
+        QFile part(m_files.filePath(name));
+        if (!journal.open(QIODevice::ReadOnly) || !part.open(QIODevice::WriteOnly))
+            return QString();
+        for (int i = 0; i < lines; ++i)
+            part.write(journal.readLine());
+        return part.fileName();
+    }
+
+    void showActive()
+    {
+        window().show();
+        QApplication::setActiveWindow(&window());
+        QVERIFY(QTest::qWaitForWindowActive(&window()));
+    }
+
+    // Keys go where the user's keyboard goes.
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        // No window manager hands the focus back when a dialog closes.
+        if (!QApplication::activeWindow()) {
+            window().activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(&window()));
+        }
+        QWidget *focus = QApplication::focusWidget();
+        QTest::keyClick(focus ? focus : QApplication::activeWindow(), key, modifiers);
+    }
+
+    void clickRow(LogWidget *tab, int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        const QRect rect = tab->view()->visualRect(tab->model()->index(row, 1));
+        QTest::mouseClick(tab->view()->viewport(), Qt::LeftButton, modifiers, rect.center());
+    }
+
+    // Answers the next file dialog with a new file of this name.
+    QString saveAs(const QString &name)
+    {
+        const QString path = m_files.filePath(name);
+        QFile::remove(path);
+        whenModal<QFileDialog>([path](QFileDialog *files) {
+            auto *edit = files->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+            edit->clear();
+            QTest::keyClicks(edit, path);
+            QTest::keyClick(edit, Qt::Key_Return);
+        });
+        return path;
+    }
+
+    void clickTool(const char *name)
+    {
+        auto *toolBar = window().findChild<QToolBar *>(QStringLiteral("toolBar"));
+        QTest::mouseClick(toolBar->widgetForAction(action(name)), Qt::LeftButton);
+    }
+
+    template<typename Dialog>
+    void clickRadio(Dialog *dialog, const char *name)
+    {
+        auto *button = dialog->template findChild<QRadioButton *>(QLatin1String(name));
+        // Its indicator, not the empty width beside the text.
+        QTest::mouseClick(button, Qt::LeftButton, Qt::NoModifier, QPoint(6, button->height() / 2));
+    }
+
+    static void appendTo(const QString &path, const QString &from, int lines)
+    {
+        QFile source(from);
+        QFile target(path);
+        QVERIFY(source.open(QIODevice::ReadOnly) && target.open(QIODevice::Append));
+        for (int i = 0; i < lines; ++i)
+            target.write(source.readLine());
+    }
+
+    void clickTab(int index, Qt::MouseButton button = Qt::LeftButton)
+    {
+        QTabBar *bar = tabs()->tabBar();
+        QTest::mouseClick(bar, button, Qt::NoModifier, bar->tabRect(index).center());
+    }
+
+    // A modal dialog runs its own event loop: `answer` gets the first one of this
+    // type to come up, from inside that loop. The timer dies with the test case.
+    template<typename Dialog, typename Answer>
+    QTimer *whenModal(Answer answer)
+    {
+        auto *poll = new QTimer(&window());
+        connect(poll, &QTimer::timeout, poll, [poll, answer] {
+            if (auto *dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget())) {
+                poll->stop();
+                answer(dialog);
+            }
+        });
+        poll->start(10);
+        return poll;
     }
 
     // Closes the window once its tabs are at rest. Closing in the middle of a count
@@ -341,6 +445,11 @@ private Q_SLOTS:
             return gzip.waitForFinished(30000) && gzip.exitCode() == 0;
         };
         const QString cannot = QStringLiteral("Can't open log file.");
+        // The tab's message opens with `cannot` and ends with the reason, if any.
+        auto says = [&](LogWidget *tab, const QString &reason) {
+            const QString text = message(tab);
+            return text.startsWith(cannot) && text.endsWith(reason);
+        };
 
         const QString fifo = m_files.filePath(QStringLiteral("events.fifo"));
         QFile::remove(fifo);
@@ -355,11 +464,12 @@ private Q_SLOTS:
         QVERIFY(QProcess::execute(QStringLiteral("truncate"), {QStringLiteral("-s"), QStringLiteral("5000"), cut}) == 0);
         for (const QString &path : {fifo, directory, nuls}) {
             LogWidget *tab = openFile(path);
-            QTRY_COMPARE(message(tab), cannot);
+            QTRY_VERIFY2(says(tab, QString()), qPrintable(message(tab)));
             QCOMPARE(window().statusBar()->currentMessage(), cannot);
         }
         LogWidget *damaged = openFile(cut);
-        QTRY_COMPARE(message(damaged), cannot + QStringLiteral("\nThe compressed file is damaged or incomplete."));
+        QTRY_VERIFY2(says(damaged, QStringLiteral("\nThe compressed file is damaged or incomplete.")),
+                     qPrintable(message(damaged)));
         QVERIFY(!damaged->isLoading());
 
         // The content decides, not the name: a packed rotation without its suffix, and
@@ -396,8 +506,9 @@ private Q_SLOTS:
         tabs()->addTab(bounded, bomb);
         tabs()->setCurrentWidget(bounded);
         bounded->refresh();
-        QTRY_COMPARE(message(bounded),
-                     cannot + QStringLiteral("\nThe compressed file unpacks to more than 16.00 MiB; unpacking was stopped there."));
+        QTRY_VERIFY2(says(bounded, QStringLiteral("\nThe compressed file unpacks to more than 16.00 MiB; unpacking "
+                                                  "was stopped there.")),
+                     qPrintable(message(bounded)));
         QCOMPARE(QFileInfo(copy).size(), 0);
         window().resize(1000, 600);
         QDir().mkpath(QStringLiteral(NIMB_SCREENSHOT_DIR));
@@ -637,10 +748,14 @@ private Q_SLOTS:
     {
         window().show();
         ColumnChooser *box = chooser();
-        box->showPopup();
+        QTest::mousePress(box, Qt::LeftButton, {}, box->rect().center());
         QAbstractItemView *list = box->view();
         QTRY_VERIFY(list->isVisible());
         const QRect second = list->visualRect(box->columnModel()->index(2, 0));
+        // The press that opened the list ends over whatever row opened under the pointer.
+        QTest::mouseRelease(list->viewport(), Qt::LeftButton, {}, second.center());
+        QCOMPARE(box->columnModel()->item(2)->checkState(), Qt::Unchecked);
+        QVERIFY(list->isVisible());
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, second.center());
         QCOMPARE(box->columnModel()->item(2)->checkState(), Qt::Checked);
         QVERIFY(list->isVisible());
@@ -653,6 +768,223 @@ private Q_SLOTS:
         QCOMPARE(box->checkedTypes().size() + box->checkedCustomNames().size(), 0);
         QCOMPARE(box->currentText(), QStringLiteral("Show columns"));
         box->hidePopup();
+    }
+
+    // Export asks which events and where, then writes the tab it was asked on, even
+    // when another tab came forward meanwhile, and says how it went.
+    void exportWritesTheTabItWasAskedFor()
+    {
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        const QString partPath = partOfJournal(QStringLiteral("part.log"), 100);
+        LogWidget *part = openFile(partPath);
+        QVERIFY(loaded(part));
+        showActive();
+
+        press(Qt::Key_E, Qt::ControlModifier);
+        auto *dialog = window().findChild<ExportDialog *>();
+        QTRY_VERIFY(dialog->isVisible());
+        QVERIFY(dialog->isModal());
+        // Nothing selected, nothing to offer as the selection.
+        QVERIFY(!dialog->findChild<QRadioButton *>(QStringLiteral("exportSelectedButton"))->isEnabled());
+        QVERIFY(dialog->findChild<QRadioButton *>(QStringLiteral("exportCurrentPageButton"))->isChecked());
+        clickTab(0);
+        QCOMPARE(current(), main);
+        clickRadio(dialog, "exportAllButton");
+        const QString raw = saveAs(QStringLiteral("part-export.log"));
+        QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("exportButton")), Qt::LeftButton);
+        QTRY_COMPARE(window().statusBar()->currentMessage(), QStringLiteral("Exported 100 events to %1.").arg(raw));
+        QFile written(raw);
+        QFile expected(partPath);
+        QVERIFY(written.open(QIODevice::ReadOnly) && expected.open(QIODevice::ReadOnly));
+        QCOMPARE(written.readAll(), expected.readAll());
+
+        // Two rows of the tab in front; the export speaks for itself while it runs.
+        clickRow(main, 1);
+        clickRow(main, 3, Qt::ShiftModifier);
+        QCOMPARE(main->selectedEvents().size(), 3);
+        press(Qt::Key_E, Qt::ControlModifier);
+        QTRY_VERIFY(dialog->isVisible());
+        QVERIFY(dialog->findChild<QRadioButton *>(QStringLiteral("exportSelectedButton"))->isChecked());
+        const QString json = saveAs(QStringLiteral("selected.json"));
+        QSignalSpy messages(window().statusBar(), &QStatusBar::messageChanged);
+        QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("exportButton")), Qt::LeftButton);
+        QTRY_COMPARE(window().statusBar()->currentMessage(), QStringLiteral("Exported 3 events to %1.").arg(json));
+        QVERIFY(!messages.isEmpty());
+        QVERIFY(messages.first().first().toString().startsWith(QStringLiteral("Exporting… ")));
+        QVERIFY(QFileInfo(json).size() > 0);
+    }
+
+    void printPrintsTheTabItWasAskedFor()
+    {
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        LogWidget *part = openFile(partOfJournal(QStringLiteral("print.log"), 50));
+        QVERIFY(loaded(part));
+        showActive();
+        press(Qt::Key_P, Qt::ControlModifier);
+        auto *dialog = window().findChild<PrinterDialog *>();
+        QTRY_VERIFY(dialog->isVisible());
+        QVERIFY(dialog->isModal());
+        QVERIFY(!dialog->findChild<QRadioButton *>(QStringLiteral("printSelectedButton"))->isEnabled());
+
+        // Its tab closed under the dialog: there is nothing left to print.
+        clickTab(1, Qt::MiddleButton);
+        QCOMPARE(tabs()->count(), 1);
+        bool asked = false;
+        QTimer *poll = whenModal<QPrintDialog>([&asked](QPrintDialog *printDialog) {
+            asked = true;
+            printDialog->reject();
+        });
+        QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("printButton")), Qt::LeftButton);
+        QVERIFY(!dialog->isVisible());
+        QVERIFY(!asked);
+        delete poll;
+
+        clickRow(main, 2);
+        clickRow(main, 3, Qt::ShiftModifier);
+        const QString pdf = m_files.filePath(QStringLiteral("printed.pdf"));
+        QFile::remove(pdf);
+        window().findChild<EventsPrinter *>()->printer()->setOutputFileName(pdf);
+        press(Qt::Key_P, Qt::ControlModifier);
+        QTRY_VERIFY(dialog->isVisible());
+        QVERIFY(dialog->findChild<QRadioButton *>(QStringLiteral("printSelectedButton"))->isChecked());
+        whenModal<QPrintDialog>([](QPrintDialog *printDialog) {
+            auto *buttons = printDialog->findChild<QDialogButtonBox *>();
+            for (QAbstractButton *button : buttons->buttons()) {
+                if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole)
+                    QTest::mouseClick(button, Qt::LeftButton);
+            }
+        });
+        QSignalSpy messages(window().statusBar(), &QStatusBar::messageChanged);
+        QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("printButton")), Qt::LeftButton);
+        QTRY_COMPARE(window().statusBar()->currentMessage(), QStringLiteral("Printed 2 events."));
+        QVERIFY(!messages.isEmpty());
+        QVERIFY(messages.first().first().toString().startsWith(QStringLiteral("Printing… ")));
+        QVERIFY(QFileInfo(pdf).size() > 0);
+    }
+
+    void statusTextSurvivesHovering()
+    {
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        showActive();
+        const QString count = main->feedbackText();
+        QCOMPARE(window().statusBar()->currentMessage(), count);
+        auto *toolBar = window().findChild<QToolBar *>(QStringLiteral("toolBar"));
+        QWidget *button = toolBar->widgetForAction(action("actionPrint"));
+        QTest::mouseMove(button);
+        // What a hovered tool or menu entry announces: its status tip, empty here.
+        QStatusTipEvent tip(action("actionPrint")->statusTip());
+        QCoreApplication::sendEvent(button, &tip);
+        QCOMPARE(window().statusBar()->currentMessage(), count);
+        QMenu *file = menu("menuFile");
+        QMenuBar *bar = window().menuBar();
+        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(file->menuAction()).center());
+        QTRY_VERIFY(file->isVisible());
+        QTest::keyClick(file, Qt::Key_Down);
+        QTRY_VERIFY(file->activeAction());
+        QTest::keyClick(file, Qt::Key_Escape);
+        QCOMPARE(window().statusBar()->currentMessage(), count);
+    }
+
+    // A tab whose file cannot be read has nothing to summarise, export, print or filter.
+    void unreadableTabsOfferNothingToWorkOn()
+    {
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        showActive();
+        FilterPack saved;
+        saved.name = QStringLiteral("saved");
+        ConfigHandler *config = window().findChild<ConfigHandler *>();
+        config->store().savedFilters().append(saved);
+        config->writeConfig();
+        clickRow(main, 0);
+        action("actionAddToFavorites")->trigger();
+        const QList<QAction *> work{action("actionSummary"), action("actionExport"), action("actionPrint"),
+                                    action("actionFilter")};
+        auto offered = [&] {
+            int enabled = 0;
+            for (QAction *command : work)
+                enabled += command->isEnabled();
+            enabled += menu("menuSavedFilters")->isEnabled();
+            enabled += menu("menuFavoriteEvents")->actions().first()->isEnabled();
+            return enabled;
+        };
+        QCOMPARE(offered(), 6);
+
+        const QString path = m_files.filePath(QStringLiteral("appears-later.log"));
+        QFile::remove(path);
+        LogWidget *missing = openFile(path);
+        QTRY_VERIFY(!missing->isReadable());
+        QCOMPARE(offered(), 0);
+        QVERIFY(menu("menuFavoriteEvents")->actions().last()->isEnabled());
+        press(Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(!window().findChild<FilterWindow *>()->isVisible());
+
+        press(Qt::Key_Tab, Qt::ControlModifier);
+        QCOMPARE(current(), main);
+        QCOMPARE(offered(), 6);
+        press(Qt::Key_Tab, Qt::ControlModifier);
+        QCOMPARE(current(), missing);
+        QCOMPARE(offered(), 0);
+
+        // The file comes, F5 reads it.
+        appendTo(path, mainJournal(), 20);
+        press(Qt::Key_F5);
+        QVERIFY(loaded(missing));
+        QVERIFY(missing->isReadable());
+        QCOMPARE(offered(), 6);
+    }
+
+    void desktopKeys()
+    {
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        LogWidget *first = openFile(partOfJournal(QStringLiteral("keys1.log"), 30));
+        const QString secondPath = partOfJournal(QStringLiteral("keys2.log"), 40);
+        LogWidget *second = openFile(secondPath);
+        QVERIFY(loaded(first) && loaded(second));
+        showActive();
+
+        // Round the ends, both ways.
+        press(Qt::Key_Tab, Qt::ControlModifier);
+        QCOMPARE(current(), main);
+        press(Qt::Key_Tab, Qt::ControlModifier);
+        QCOMPARE(current(), first);
+        press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(current(), main);
+        press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(current(), second);
+
+        // F5 reads the file again; a cleared table stays cleared until "Refresh log".
+        appendTo(secondPath, mainJournal(), 5);
+        press(Qt::Key_F5);
+        QTRY_COMPARE(second->eventCount(), 45);
+        clickTool("actionClearTable");
+        QTRY_VERIFY(!second->isLoading());
+        appendTo(secondPath, mainJournal(), 3);
+        press(Qt::Key_F5);
+        QTRY_COMPARE(second->eventCount(), 3);
+        QVERIFY(second->isCleared());
+        QVERIFY(action("actionRefreshLog")->isEnabled());
+        clickTool("actionRefreshLog");
+        QTRY_COMPARE(second->eventCount(), 48);
+
+        // Ctrl+W and the middle button close tabs, never the main one.
+        press(Qt::Key_W, Qt::ControlModifier);
+        QCOMPARE(tabs()->count(), 2);
+        QCOMPARE(current(), first);
+        clickTab(0);
+        press(Qt::Key_W, Qt::ControlModifier);
+        clickTab(0, Qt::MiddleButton);
+        QCOMPARE(tabs()->count(), 2);
+        clickTab(1, Qt::MiddleButton);
+        QCOMPARE(tabs()->count(), 1);
+        QCOMPARE(current(), main);
+
+        press(Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(window().findChild<FilterWindow *>()->isVisible());
     }
 
     void closingTabs()
