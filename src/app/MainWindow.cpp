@@ -17,6 +17,7 @@
 #include "NotificationController.h"
 #include "OutputProgress.h"
 #include "SummaryDialog.h"
+#include "AbstractLogParser.h"
 #include "LogWidget.h"
 #include "MainLogWidget.h"
 #include "NimbHelpMenu.h"
@@ -571,6 +572,8 @@ void MainWindow::applyFilter(const FilterPack &filter)
         updateReadingActions();
     } else {
         auto *filtered = new LogWidget(tab->logPath(), filter, contextActions(true));
+        // The events the tab shows, even if rotation has given its path to another file.
+        filtered->readSameFileAs(*tab);
         addLogTab(filtered, title);
         filtered->refresh();
     }
@@ -805,7 +808,8 @@ void MainWindow::logInfoClicked()
     LogWidget *tab = currentLog();
     if (!tab)
         return;
-    m_logInfoWindow->fill(tab->logPath(), qobject_cast<MainLogWidget *>(tab) && !tab->isFiltered());
+    m_logInfoWindow->fill(tab->logPath(), qobject_cast<MainLogWidget *>(tab) && !tab->isFiltered(),
+                          tab->parser()->malformedLineCount());
     m_logInfoWindow->show();
     m_logInfoWindow->raise();
 }
@@ -858,7 +862,11 @@ void MainWindow::runJob(LogWidget *tab, Work work, std::function<QString(int)> p
     thread->setParent(this);
     m_jobs.insert(tab, {progress, std::move(progressText)});
     tab->setBusy(true);
-    connect(progress, &OutputProgress::percentChanged, this, [this, tab] {
+    tab->showJobProgress(m_jobs.value(tab).progressText(0));
+    connect(progress, &OutputProgress::percentChanged, this, [this, tab, progress] {
+        // The job's own words over its table, not the loading text of a count.
+        if (m_jobs.value(tab).progress == progress)
+            tab->showJobProgress(m_jobs.value(tab).progressText(progress->percent()));
         if (currentLog() == tab)
             setFeedbackMessage();
     });

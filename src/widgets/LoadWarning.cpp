@@ -5,6 +5,7 @@
 LoadWarning::LoadWarning(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::LoadWarning>())
 {
     ui->setupUi(this);
+    m_loadingText = ui->label->text();
     // Covers the table, so it paints its own background.
     setAutoFillBackground(true);
     hide();
@@ -15,6 +16,12 @@ LoadWarning::~LoadWarning() = default;
 void LoadWarning::setPercent(int percent)
 {
     ui->percentLabel->setText(percent > 0 && percent < 100 ? tr("%1% read").arg(percent) : QString());
+}
+
+void LoadWarning::setText(const QString &text)
+{
+    ui->label->setText(text.isEmpty() ? m_loadingText : text);
+    ui->percentLabel->clear();
 }
 
 void LoadWarning::placeOver(int x, int y, int width, int height)

@@ -18,10 +18,14 @@ public:
     ~LoadWarning() override;
 
     void setPercent(int percent);
+    // Says what holds the tab instead of the loading text, without a percentage of
+    // its own; an empty text brings the loading text back.
+    void setText(const QString &text);
 
 public Q_SLOTS:
     void placeOver(int x, int y, int width, int height);
 
 private:
     std::unique_ptr<Ui::LoadWarning> ui;
+    QString m_loadingText;
 };

@@ -320,10 +320,18 @@ void LogWidget::setBusy(bool busy)
         QMetaObject::invokeMethod(this, [this, busy] { applyExternalBusy(busy); }, Qt::QueuedConnection);
 }
 
+void LogWidget::showJobProgress(const QString &text)
+{
+    if (m_externalBusy > 0)
+        m_loadWarning->setText(text);
+}
+
 void LogWidget::applyExternalBusy(bool busy)
 {
     const bool was = isLoading();
     m_externalBusy = std::max(0, m_externalBusy + (busy ? 1 : -1));
+    if (m_externalBusy == 0)
+        m_loadWarning->setText(QString());
     busyChanged(was);
 }
 
@@ -464,7 +472,7 @@ void LogWidget::onCountFinished(int count)
             setEventsAreaVisible(true);
         m_count = count;
         m_generator->setCount(count);
-        setFeedback(tr("Events: ") + QString::number(count));
+        setFeedback(tr("Events: %1").arg(count));
 
         const int perPage = std::max(1, ConfigStore::instance().messagesPerPage());
         const int full = count / perPage;

@@ -78,6 +78,8 @@ public:
     // Holds the tab busy for a job of another thread (export, printing). Safe to call
     // from any thread; the change reaches the widget through its event loop.
     void setBusy(bool busy);
+    // What the job holding the tab is doing, for the overlay; interface thread only.
+    void showJobProgress(const QString &text);
 
     // The selected events of the current page, in row order.
     QList<const Event *> selectedEvents() const;

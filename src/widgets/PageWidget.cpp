@@ -17,7 +17,7 @@ void PageWidget::setPagesCount(int n)
     if (ui->pageNumber->maximum() == n)
         return;
     ui->pageNumber->setMaximum(n);
-    ui->pagesTotal->setText(tr(" of ") + QString::number(n));
+    ui->pagesTotal->setText(tr(" of %1").arg(n));
     updateButtons();
 }
 

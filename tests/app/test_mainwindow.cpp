@@ -8,6 +8,8 @@
 #include "EventsView.h"
 #include "FilterWindow.h"
 #include "JournalGenerator.h"
+#include "LoadWarning.h"
+#include "LogInfoWindow.h"
 #include "LogParser.h"
 #include "LogWidget.h"
 #include "MainLogWidget.h"
@@ -395,6 +397,24 @@ private Q_SLOTS:
         window().openLog(path);
         QCOMPARE(tabs()->count(), 3);
         QCOMPARE(tabs()->currentIndex(), 1);
+    }
+
+    // The information window counts the lines of the tab's file that are no event.
+    void logInformationCountsMalformedLines()
+    {
+        const QString path = partOfJournal(QStringLiteral("damaged.log"), 30);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::Append));
+        file.write("not an event\n{\"MSG\": \n\n");
+        file.close();
+        LogWidget *tab = openFile(path);
+        QVERIFY(loaded(tab));
+        showActive();
+        clickTool("actionLogInfo");
+        auto *info = window().findChild<LogInfoWindow *>();
+        QTRY_VERIFY(info->isVisible());
+        QCOMPARE(info->findChild<QLabel *>(QStringLiteral("malformed"))->text(),
+                 QStringLiteral("%1 skipped").arg(2 + 30 - tab->eventCount()));
     }
 
     void compressedRotations_data()
@@ -809,7 +829,10 @@ private Q_SLOTS:
         const QString json = saveAs(QStringLiteral("selected.json"));
         QSignalSpy messages(window().statusBar(), &QStatusBar::messageChanged);
         QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("exportButton")), Qt::LeftButton);
+        auto *overlayText = main->findChild<LoadWarning *>()->findChild<QLabel *>(QStringLiteral("label"));
+        QCOMPARE(overlayText->text(), QStringLiteral("Exporting… 0 %"));
         QTRY_COMPARE(window().statusBar()->currentMessage(), QStringLiteral("Exported 3 events to %1.").arg(json));
+        QTRY_COMPARE(overlayText->text(), QStringLiteral("Please wait, file loading is in progress..."));
         QVERIFY(!messages.isEmpty());
         QVERIFY(messages.first().first().toString().startsWith(QStringLiteral("Exporting… ")));
         QVERIFY(QFileInfo(json).size() > 0);
