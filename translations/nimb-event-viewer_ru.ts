@@ -619,6 +619,35 @@
         <source>kilobytes</source>
         <translation>КБ</translation>
     </message>
+    <message>
+        <source>Malformed lines:</source>
+        <translation>Повреждённые строки:</translation>
+    </message>
+    <message>
+        <source>daily</source>
+        <translation>ежедневно</translation>
+    </message>
+    <message>
+        <source>weekly</source>
+        <translation>еженедельно</translation>
+    </message>
+    <message>
+        <source>monthly</source>
+        <translation>ежемесячно</translation>
+    </message>
+    <message>
+        <source>yearly</source>
+        <translation>ежегодно</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n skipped</source>
+        <comment>malformed lines</comment>
+        <translation>
+            <numerusform>%n пропущена</numerusform>
+            <numerusform>%n пропущены</numerusform>
+            <numerusform>%n пропущено</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>LogWidget</name>
@@ -647,12 +676,36 @@
         <translation>Распаковка сжатого файла журнала…</translation>
     </message>
     <message>
-        <source>Events: </source>
-        <translation>Событий: </translation>
-    </message>
-    <message>
         <source>Events loading failed.</source>
         <translation>Не удалось загрузить события.</translation>
+    </message>
+    <message>
+        <source>You have no permission to read this file.</source>
+        <translation>У вас нет прав на чтение этого файла.</translation>
+    </message>
+    <message>
+        <source>This is a folder, not a file.</source>
+        <translation>Это папка, а не файл.</translation>
+    </message>
+    <message>
+        <source>This is not a regular file but a pipe, socket or device.</source>
+        <translation>Это не обычный файл, а канал, сокет или устройство.</translation>
+    </message>
+    <message>
+        <source>This file is not an events journal: none of its lines is an event.</source>
+        <translation>Этот файл не является журналом событий: ни одна его строка не является событием.</translation>
+    </message>
+    <message>
+        <source>The file does not exist.</source>
+        <translation>Файл не существует.</translation>
+    </message>
+    <message>
+        <source>The file could not be read.</source>
+        <translation>Не удалось прочитать файл.</translation>
+    </message>
+    <message>
+        <source>Events: %1</source>
+        <translation>Событий: %1</translation>
     </message>
 </context>
 <context>
@@ -801,6 +854,50 @@
         <source>Export events</source>
         <translation>Экспорт событий</translation>
     </message>
+    <message>
+        <source>Close tab</source>
+        <translation>Закрыть вкладку</translation>
+    </message>
+    <message>
+        <source>Next tab</source>
+        <translation>Следующая вкладка</translation>
+    </message>
+    <message>
+        <source>Previous tab</source>
+        <translation>Предыдущая вкладка</translation>
+    </message>
+    <message>
+        <source>Reload log</source>
+        <translation>Перечитать журнал</translation>
+    </message>
+    <message>
+        <source>Printing… %1 %</source>
+        <translation>Печать… %1 %</translation>
+    </message>
+    <message numerus="yes">
+        <source>Printed %n events.</source>
+        <translation>
+            <numerusform>Напечатано %n событие.</numerusform>
+            <numerusform>Напечатано %n события.</numerusform>
+            <numerusform>Напечатано %n событий.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Exporting… %1 %</source>
+        <translation>Экспорт… %1 %</translation>
+    </message>
+    <message>
+        <source>Could not write to %1.</source>
+        <translation>Не удалось записать в %1.</translation>
+    </message>
+    <message numerus="yes">
+        <source>Exported %n events to %1.</source>
+        <translation>
+            <numerusform>Экспортировано %n событие в %1.</numerusform>
+            <numerusform>Экспортировано %n события в %1.</numerusform>
+            <numerusform>Экспортировано %n событий в %1.</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>NotificationController</name>
@@ -809,8 +906,16 @@
         <translation>Модуль nimb-admin-events не установлен.</translation>
     </message>
     <message>
-        <source>KAuth returned an error code: </source>
-        <translation>KAuth вернул код ошибки: </translation>
+        <source>Stop sending notifications for events with the ID %1?</source>
+        <translation>Прекратить отправку уведомлений о событиях с идентификатором %1?</translation>
+    </message>
+    <message>
+        <source>KAuth returned an error code: %1</source>
+        <translation>KAuth вернул код ошибки: %1</translation>
+    </message>
+    <message>
+        <source>The logging service could not be restarted: %1</source>
+        <translation>Не удалось перезапустить службу журналирования: %1</translation>
     </message>
 </context>
 <context>
@@ -840,8 +945,8 @@
         <translation>Последняя страница</translation>
     </message>
     <message>
-        <source> of </source>
-        <translation> из </translation>
+        <source> of %1</source>
+        <translation> из %1</translation>
     </message>
 </context>
 <context>
