@@ -37,6 +37,29 @@ QStringList snapshot(const QString &root)
     entries.sort();
     return entries;
 }
+
+// Sets an environment variable for as long as the object lives.
+class ScopedVariable
+{
+public:
+    ScopedVariable(const char *name, const QByteArray &value)
+        : m_name(name), m_had(qEnvironmentVariableIsSet(name)), m_old(qgetenv(name))
+    {
+        qputenv(name, value);
+    }
+    ~ScopedVariable()
+    {
+        if (m_had)
+            qputenv(m_name, m_old);
+        else
+            qunsetenv(m_name);
+    }
+
+private:
+    const char *m_name;
+    bool m_had;
+    QByteArray m_old;
+};
 }
 
 class TestNotificationHelper : public QObject
@@ -56,16 +79,18 @@ private:
     {
         QVERIFY(QDir().mkpath(root() + QStringLiteral("/bin")));
         const QString path = root() + QStringLiteral("/bin/systemctl");
-        writeFile(path, QStringLiteral("#!/bin/sh\necho \"$*\" >> '%1/systemctl.log'\necho 'unit failed' >&2\nexit %2\n")
+        writeFile(path, QStringLiteral("#!/bin/sh\necho \"$*\" >> '%1/systemctl.log'\n"
+                                       "echo \"[$PATH] [$NIMB_EVENT_VIEWER_SYSROOT]\" > '%1/systemctl.env'\n"
+                                       "echo 'unit failed' >&2\nexit %2\n")
                             .arg(root())
                             .arg(status)
                             .toUtf8());
         QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     }
 
-    QString systemctlLog() const
+    QString systemctlLog(const QString &name = QStringLiteral("systemctl.log")) const
     {
-        QFile file(root() + QStringLiteral("/systemctl.log"));
+        QFile file(root() + QLatin1Char('/') + name);
         return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     }
 
@@ -183,13 +208,34 @@ private slots:
         QCOMPARE(snapshot(root()), expected);
     }
 
-    void theSystemsRuleDirectoryIsUsed()
+    // Root starts the helper, but whoever asks for an action may have shaped its
+    // environment: the variables that redirect the viewer must not redirect it.
+    void theEnvironmentRedirectsNothing()
     {
-        qputenv("NIMB_EVENT_VIEWER_SYSROOT", QFile::encodeName(root()));
+        installSystemctl(0);
+        const QString rule = m_ruleDir + QStringLiteral("/mod-velmo-keep.conf");
+        const QVariantMap restart{{QStringLiteral("cmd"), QStringLiteral("restart")}};
+        const ScopedVariable sysroot("NIMB_EVENT_VIEWER_SYSROOT", QFile::encodeName(root()));
+        const ScopedVariable path("PATH", QFile::encodeName(root() + QStringLiteral("/bin")));
+
         NotificationHelper helper;
-        qunsetenv("NIMB_EVENT_VIEWER_SYSROOT");
-        QVERIFY(helper.removeconfig({{QStringLiteral("file"), m_ruleDir + QStringLiteral("/mod-velmo-keep.conf")}}).succeeded());
-        QVERIFY(!QFile::exists(m_ruleDir + QStringLiteral("/mod-velmo-keep.conf")));
+        QCOMPARE(helper.policy().ruleDirectory(), QStringLiteral("/etc/syslog-ng/conf.d"));
+        const std::optional<HelperPolicy::Command> command = helper.policy().serviceCommand(restart, nullptr);
+        QVERIFY(command);
+        QCOMPARE(command->program, QStringLiteral("/bin/systemctl"));
+        QVERIFY(helper.removeconfig({{QStringLiteral("file"), rule}}).failed());
+        QVERIFY(QFile::exists(rule));
+
+        // Nor does the environment reach the service manager it runs.
+        const KAuth::ActionReply reply = NotificationHelper(policy()).loggingservicectl(restart);
+        QVERIFY2(reply.succeeded(), qPrintable(reply.errorDescription()));
+        QCOMPARE(systemctlLog(), QStringLiteral("restart syslog-ng\n"));
+        QCOMPARE(systemctlLog(QStringLiteral("systemctl.env")), QStringLiteral("[/usr/sbin:/usr/bin:/sbin:/bin] []\n"));
+
+        // The installed helper cannot consult the variable: it does not even know its name.
+        QFile executable(QStringLiteral(NIMB_HELPER_EXECUTABLE));
+        QVERIFY2(executable.open(QIODevice::ReadOnly), NIMB_HELPER_EXECUTABLE);
+        QVERIFY(!executable.readAll().contains("NIMB_EVENT_VIEWER_SYSROOT"));
     }
 
     void onlyRestartIsAccepted_data()

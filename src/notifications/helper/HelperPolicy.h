@@ -34,6 +34,8 @@ public:
 
     static QString serviceName() { return QStringLiteral("syslog-ng"); }
 
+    QString ruleDirectory() const { return m_ruleDirectory; }
+
 private:
     QString m_ruleDirectory;
     QString m_systemctl;

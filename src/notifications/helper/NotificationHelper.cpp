@@ -1,8 +1,7 @@
 #include "NotificationHelper.h"
 
-#include "SystemPaths.h"
-
 #include <QProcess>
+#include <QProcessEnvironment>
 
 #include <utility>
 
@@ -16,15 +15,31 @@ KAuth::ActionReply errorReply(const QString &description)
     reply.setErrorDescription(description);
     return reply;
 }
+
+// The service manager runs as root too: whatever the helper was started with must not
+// reach it (a pager, a search path, the manager's own debugging switches).
+QProcessEnvironment serviceEnvironment()
+{
+    QProcessEnvironment environment;
+    environment.insert(QStringLiteral("PATH"), QStringLiteral("/usr/sbin:/usr/bin:/sbin:/bin"));
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C"));
+    return environment;
+}
 }
 
+// Root runs this: the paths are the build's, never the environment's.
 NotificationHelper::NotificationHelper()
-    : NotificationHelper(HelperPolicy(SystemPaths::notificationRuleDir(), SystemPaths::systemctl()))
+    : NotificationHelper(HelperPolicy(QStringLiteral(NIMB_HELPER_RULE_DIR), QStringLiteral(NIMB_HELPER_SYSTEMCTL)))
 {
 }
 
 NotificationHelper::NotificationHelper(HelperPolicy policy) : m_policy(std::move(policy))
 {
+}
+
+const HelperPolicy &NotificationHelper::policy() const
+{
+    return m_policy;
 }
 
 KAuth::ActionReply NotificationHelper::removeconfig(const QVariantMap &args)
@@ -42,6 +57,7 @@ KAuth::ActionReply NotificationHelper::loggingservicectl(const QVariantMap &args
 
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
+    process.setProcessEnvironment(serviceEnvironment());
     process.start(command->program, command->arguments, QIODevice::ReadOnly);
     if (!process.waitForStarted())
         return errorReply(QStringLiteral("Cannot start %1: %2").arg(command->program, process.errorString()));

@@ -13,9 +13,11 @@ class NotificationHelper : public QObject
 {
     Q_OBJECT
 public:
-    // On the system's rule directory and service manager.
+    // On the rule directory and service manager fixed when the helper was built.
     NotificationHelper();
     explicit NotificationHelper(HelperPolicy policy);
+
+    const HelperPolicy &policy() const;
 
 public Q_SLOTS:
     KAuth::ActionReply removeconfig(const QVariantMap &args);
