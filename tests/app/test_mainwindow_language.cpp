@@ -1,10 +1,19 @@
+#include "BottomWidget.h"
+#include "EventsModel.h"
+#include "EventsView.h"
 #include "Language.h"
+#include "LogWidget.h"
 #include "MainWindow.h"
 #include "NimbInit.h"
 #include "NimbTranslator.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QDir>
+#include <QPainter>
+#include <QPushButton>
+#include <QTableWidget>
 #include <QMenuBar>
 #include <QProcess>
 #include <QStatusBar>
@@ -49,9 +58,48 @@ private slots:
         }
         QTRY_VERIFY(!window.statusBar()->currentMessage().isEmpty());
         QDir().mkpath(QStringLiteral(NIMB_SCREENSHOT_DIR));
-        const QString shot = QStringLiteral(NIMB_SCREENSHOT_DIR "/main-window-%1.png")
-                                 .arg(Language::isRussian() ? QStringLiteral("ru") : QStringLiteral("en"));
-        QVERIFY(window.grab().save(shot));
+        const QString language = Language::isRussian() ? QStringLiteral("ru") : QStringLiteral("en");
+        const auto shoot = [&](const char *name, QWidget *dialog = nullptr) {
+            QPixmap shot = window.grab();
+            if (dialog) {
+                // The dialog is a window of its own, drawn over the middle of the main one
+                // as a window manager would place it.
+                const QPixmap top = dialog->grab();
+                QPainter painter(&shot);
+                painter.drawPixmap((shot.width() - top.width()) / 2, (shot.height() - top.height()) / 2, top);
+            }
+            return shot.save(QStringLiteral(NIMB_SCREENSHOT_DIR "/%1-%2.png").arg(QLatin1String(name), language));
+        };
+        QVERIFY(shoot("main-window"));
+
+        // A row clicked: its event in the panel below.
+        auto *main = qobject_cast<LogWidget *>(tabs->widget(0));
+        QTRY_VERIFY(!main->isLoading() && main->model()->rowCount() > 5);
+        // The newest rows are on screen: one of them.
+        const int row = main->model()->rowCount() - 4;
+        QTest::mouseClick(main->view()->viewport(), Qt::LeftButton, {},
+                          main->view()->visualRect(main->model()->index(row, 2)).center());
+        auto *panel = main->bottomWidget()->findChild<QTableWidget *>(QStringLiteral("tableWidget"));
+        QVERIFY(panel->isVisible() && panel->rowCount() > 3);
+        QVERIFY(shoot("row-clicked"));
+
+        // The events of that ID in a tab of their own.
+        window.findChild<QAction *>(QStringLiteral("actionFilterById"))->trigger();
+        QCOMPARE(tabs->count(), 2);
+        auto *filtered = qobject_cast<LogWidget *>(tabs->widget(1));
+        QTRY_VERIFY(!filtered->isLoading() && filtered->model()->rowCount() > 0);
+        QTest::mouseClick(filtered->view()->viewport(), Qt::LeftButton, {},
+                          filtered->view()->visualRect(filtered->model()->index(filtered->model()->rowCount() - 2, 2)).center());
+        QVERIFY(shoot("filtered-tab"));
+
+        // Qt's own buttons speak the same language as the rest.
+        QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier);
+        auto *filterWindow = window.findChild<QDialog *>(QStringLiteral("FilterWindow"));
+        QTRY_VERIFY(filterWindow && filterWindow->isVisible());
+        auto *buttons = filterWindow->findChild<QDialogButtonBox *>();
+        const QString close = buttons->button(QDialogButtonBox::Close)->text();
+        QCOMPARE(close, Language::isRussian() ? QStringLiteral("Закрыть") : QStringLiteral("Close"));
+        QVERIFY(shoot("filter-window", filterWindow));
     }
 };
 
