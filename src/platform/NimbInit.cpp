@@ -33,6 +33,7 @@ void nimbInit(const QString &version, const char *context, const char *displayNa
     // with none set the help menu leaves out its "Report Bug" entry.
     KAboutData about(component, QString::fromUtf8(displayName), version, QString(), KAboutLicense::Unknown,
                      QString(), QString(), QString(), QString());
+    about.setLicense(KAboutLicense::GPL_V2, KAboutLicense::OrLaterVersions);
     about.setOrganizationDomain(organisation.toLatin1());
     about.setDesktopFileName(component);
     KAboutData::setApplicationData(about);

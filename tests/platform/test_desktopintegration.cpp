@@ -43,6 +43,9 @@ private slots:
         // The name the desktop appends to every window title.
         QCOMPARE(QGuiApplication::applicationDisplayName(), inLanguage("System events journal", "Журнал системных событий"));
         QCOMPARE(KAboutData::applicationData().displayName(), QGuiApplication::applicationDisplayName());
+        // The about dialog names the licence the sources carry (the frameworks spell
+        // GPL-2.0-or-later in its older SPDX form).
+        QCOMPARE(KAboutData::applicationData().licenses().first().spdx(), QStringLiteral("GPL-2.0+"));
 
         // Qt's own texts, as on the standard buttons of every dialog.
         QDialogButtonBox buttons(QDialogButtonBox::Close | QDialogButtonBox::Cancel);
