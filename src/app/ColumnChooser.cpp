@@ -18,6 +18,9 @@ ColumnChooser::ColumnChooser(QWidget *parent) : QComboBox(parent), m_model(new Q
     setCurrentIndex(0);
     setSizeAdjustPolicy(QComboBox::AdjustToContents);
     setFocusPolicy(Qt::NoFocus);
+    // On some platforms a combo box is announced by its current entry, elsewhere by
+    // this name; both are the caption.
+    setAccessibleName(caption->text());
     // The combo box's own popup handling closes the list and changes the current
     // row on a click; this filter, installed after it, sees the clicks first.
     view()->viewport()->installEventFilter(this);

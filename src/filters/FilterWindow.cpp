@@ -62,10 +62,14 @@ void layOutRows(QGridLayout *grid, const QVector<Box *> &boxes, const QString &f
     grid->setColumnMinimumWidth(2, 10);
 }
 
-void prepareEditor(QWidget *editor, ComboBoxScrollEater *eater)
+void prepareEditor(QWidget *editor, const QString &label, ComboBoxScrollEater *eater)
 {
     if (!editor)
         return;
+    // The check box beside the editor is its label on screen, but only a QLabel can
+    // be a buddy: without a name of its own a screen reader would announce the title
+    // of the group box for every editor alike.
+    editor->setAccessibleName(label);
     // Narrow enough for two columns of parameters on a small screen; the editors take
     // whatever room the labels leave.
     editor->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -165,7 +169,7 @@ void FilterWindow::buildAuxParameters()
     const AuxParRegistry &registry = AuxParRegistry::instance();
     for (int type = 0; type < registry.count(); ++type) {
         auto *box = new AuxParCheckBox(type, ui->groupBoxAux);
-        prepareEditor(box->editor(), m_scrollEater);
+        prepareEditor(box->editor(), box->text(), m_scrollEater);
         m_auxBoxes.append(box);
     }
     // Laid out by label, the way the user looks for them; those that cannot take
@@ -179,7 +183,7 @@ void FilterWindow::buildAuxParameters()
 
     for (const CustomParameter &custom : registry.customParameters()) {
         auto *box = new AuxParCustomCheckBox(custom.name, custom.label, ui->groupBoxCustom);
-        prepareEditor(box->editor(), m_scrollEater);
+        prepareEditor(box->editor(), box->text(), m_scrollEater);
         m_customBoxes.append(box);
     }
     ui->groupBoxCustom->setVisible(!m_customBoxes.isEmpty());
