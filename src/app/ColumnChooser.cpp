@@ -17,7 +17,9 @@ ColumnChooser::ColumnChooser(QWidget *parent) : QComboBox(parent), m_model(new Q
     setModel(m_model);
     setCurrentIndex(0);
     setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    setFocusPolicy(Qt::NoFocus);
+    // Reachable with Tab, the only way to the columns without a mouse, while a click
+    // leaves the focus on the table the user works in.
+    setFocusPolicy(Qt::TabFocus);
     // On some platforms a combo box is announced by its current entry, elsewhere by
     // this name; both are the caption.
     setAccessibleName(caption->text());
@@ -121,8 +123,13 @@ bool ColumnChooser::eventFilter(QObject *watched, QEvent *event)
         }
     } else if (watched == view() && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent *>(event)->key();
-        if (key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter) {
+        if (key == Qt::Key_Space) {
             toggle(view()->currentIndex().row());
+            return true;
+        }
+        // Return ends the choice like Escape: choosing the row would replace the caption.
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            hidePopup();
             return true;
         }
     }

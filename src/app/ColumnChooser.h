@@ -10,7 +10,8 @@ class QStandardItemModel;
 // "Show columns", which is all the closed box ever shows; every other row is one
 // auxiliary-parameter column with a check mark. Clicking a row toggles its mark and
 // leaves the list open, so several columns can be picked in one go; the click that
-// opens the list toggles nothing.
+// opens the list toggles nothing. From the keyboard Space does what the click does,
+// and Return closes the list as Escape does.
 class ColumnChooser : public QComboBox
 {
     Q_OBJECT

@@ -23,8 +23,10 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QStandardItemModel>
 #include <QTabBar>
 #include <QTextEdit>
+#include <QVBoxLayout>
 
 #include <algorithm>
 #include <memory>
@@ -133,6 +135,63 @@ private slots:
                 unnamed.append(QStringLiteral("%1: %2").arg(QLatin1String(form->metaObject()->className()), control));
         }
         QVERIFY2(unnamed.isEmpty(), qPrintable(QLatin1Char('\n') + unnamed.join(QLatin1Char('\n'))));
+    }
+
+    // Choosing columns needs no mouse: Tab to the box, open its list, walk it with
+    // the arrows, mark with Space, close with Return or Escape.
+    void columnChooserWorksFromTheKeyboard()
+    {
+        QWidget window;
+        auto *layout = new QVBoxLayout(&window);
+        auto *before = new QLineEdit(&window);
+        auto *box = new ColumnChooser(&window);
+        layout->addWidget(before);
+        layout->addWidget(box);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        before->setFocus();
+        QTest::keyClick(before, Qt::Key_Tab);
+        QTRY_COMPARE(QApplication::focusWidget(), box);
+
+        QAbstractItemView *list = box->view();
+        QStandardItemModel *columns = box->columnModel();
+        // The state a screen reader reports for a row of the open list.
+        const auto announcedChecked = [list](int row) {
+            QAccessibleInterface *iface = QAccessible::queryAccessibleInterface(list);
+            QAccessibleInterface *cell = iface->tableInterface()->cellAt(row, 0);
+            return cell && cell->state().checkable && cell->state().checked;
+        };
+        struct Step {
+            QKeySequence open;
+            int row;
+            Qt::Key close;
+        };
+        const QList<Step> steps{{QKeySequence(Qt::ALT | Qt::Key_Down), 1, Qt::Key_Return},
+                                {QKeySequence(Qt::Key_F4), 3, Qt::Key_Escape},
+                                {QKeySequence(Qt::Key_Space), 3, Qt::Key_Enter}};
+        QSet<int> marked;
+        for (const Step &step : steps) {
+            QTest::keySequence(QApplication::focusWidget(), step.open);
+            QTRY_VERIFY(list->isVisible());
+            // The list opens on the caption row.
+            for (int i = 0; i < step.row; ++i)
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+            QCOMPARE(list->currentIndex().row(), step.row);
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+            const bool nowMarked = !marked.remove(step.row);
+            if (nowMarked)
+                marked.insert(step.row);
+            QCOMPARE(columns->item(step.row)->checkState(), nowMarked ? Qt::Checked : Qt::Unchecked);
+            QCOMPARE(announcedChecked(step.row), nowMarked);
+            QVERIFY(list->isVisible());
+            QTest::keyClick(QApplication::focusWidget(), step.close);
+            QTRY_VERIFY(!list->isVisible());
+            QCOMPARE(QApplication::focusWidget(), box);
+        }
+        // Row 3 was marked and unmarked again; closing marked nothing and kept the caption.
+        QCOMPARE(box->checkedTypes().size() + box->checkedCustomNames().size(), 1);
+        QCOMPARE(columns->item(1)->checkState(), Qt::Checked);
+        QCOMPARE(box->currentIndex(), 0);
     }
 };
 
