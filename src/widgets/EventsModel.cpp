@@ -5,9 +5,47 @@
 #include "Event.h"
 #include "Language.h"
 
+#include <QApplication>
 #include <QColor>
+#include <QPalette>
 
 #include <algorithm>
+#include <cmath>
+
+namespace
+{
+// Relative luminance as the web content accessibility guidelines define it.
+double luminance(const QColor &colour)
+{
+    const auto channel = [](double value) {
+        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * channel(colour.redF()) + 0.7152 * channel(colour.greenF()) + 0.0722 * channel(colour.blueF());
+}
+
+double contrast(const QColor &a, const QColor &b)
+{
+    const double la = luminance(a);
+    const double lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+// The design's colour is meant for dark text on a light base and stays as it is
+// there. Light text on a dark base (a dark colour scheme) asks for a lighter shade
+// of the same hue: dark yellow would all but vanish on it. The shade is lightened
+// until it reads as body text does (4.5:1) on both row colours.
+QColor severityColour(const QColor &design, const QPalette &palette)
+{
+    const QColor base = palette.color(QPalette::Base);
+    const QColor alternate = palette.color(QPalette::AlternateBase);
+    if (luminance(palette.color(QPalette::Text)) <= luminance(base))
+        return design;
+    QColor shade = design.toHsl();
+    while (shade.lightness() < 255 && std::min(contrast(shade, base), contrast(shade, alternate)) < 4.5)
+        shade.setHsl(shade.hslHue(), shade.hslSaturation(), std::min(255, shade.lightness() + 4));
+    return shade.toRgb();
+}
+}
 
 EventsModel::EventsModel(QObject *parent) : EventsModel(AuxParRegistry::instance(), parent) {}
 
@@ -65,10 +103,10 @@ QVariant EventsModel::data(const QModelIndex &index, int role) const
         case Event::Emergency:
         case Event::Alert:
         case Event::Critical:
-            return QColor(Qt::red);
+            return paletteColours().severe;
         case Event::Error:
         case Event::Warning:
-            return QColor(Qt::darkYellow);
+            return paletteColours().warning;
         default:
             return QVariant();
         }
@@ -174,4 +212,16 @@ QString EventsModel::auxText(const Event &event, const AuxColumn &column) const
         return event.customParameters.value(column.name);
     const AuxPar *parameter = event.parameters.value(column.type);
     return parameter ? parameter->toString() : QString();
+}
+
+const EventsModel::PriorityColours &EventsModel::paletteColours() const
+{
+    // The palette the views draw with; it changes when the user picks another scheme.
+    const QPalette palette = QApplication::palette("QAbstractItemView");
+    if (palette.cacheKey() != m_colours.paletteKey) {
+        m_colours.severe = severityColour(Qt::red, palette);
+        m_colours.warning = severityColour(Qt::darkYellow, palette);
+        m_colours.paletteKey = palette.cacheKey();
+    }
+    return m_colours;
 }

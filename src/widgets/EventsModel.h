@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QColor>
 #include <QHash>
 #include <QString>
 #include <QVector>
@@ -60,10 +61,18 @@ private:
         int type; // -1: custom parameter
     };
     QString auxText(const Event &event, const AuxColumn &column) const;
+    // Text colours of the two severity groups that read well on the current palette.
+    struct PriorityColours {
+        qint64 paletteKey = -1;
+        QColor severe;
+        QColor warning;
+    };
+    const PriorityColours &paletteColours() const;
 
     std::vector<Event *> m_events;
     QVector<AuxColumn> m_auxColumns;
     QHash<QString, int> m_positionByName;
     QHash<int, int> m_positionByType;
     int m_endColumn = FixedColumnCount;
+    mutable PriorityColours m_colours;
 };

@@ -1,9 +1,12 @@
 #include "ConfigHandler.h"
+#include "EventsModel.h"
 #include "FavoriteIdsEditor.h"
 #include "FilterWindow.h"
 #include "JournalSettings.h"
 #include "LogInfoWindow.h"
+#include "LogWidget.h"
 #include "NimbTestMain.h"
+#include "ViewsFixture.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -13,6 +16,9 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTabWidget>
+#include <QTemporaryDir>
+
+#include <cmath>
 
 namespace
 {
@@ -42,6 +48,42 @@ QStringList cramped(const QWidget &window)
                              .arg(wanted.height()));
     }
     return found;
+}
+
+// The desktop's dark colour scheme, with the colours its scheme file gives.
+QPalette breezeDark()
+{
+    QPalette palette(QColor(0x31, 0x36, 0x3b), QColor(0x31, 0x36, 0x3b));
+    const QColor text(0xfc, 0xfc, 0xfc);
+    const QColor windowText(0xef, 0xf0, 0xf1);
+    palette.setColor(QPalette::Base, QColor(0x23, 0x26, 0x29));
+    palette.setColor(QPalette::AlternateBase, QColor(0x31, 0x36, 0x3b));
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::WindowText, windowText);
+    palette.setColor(QPalette::ButtonText, windowText);
+    palette.setColor(QPalette::ToolTipBase, QColor(0x31, 0x36, 0x3b));
+    palette.setColor(QPalette::ToolTipText, windowText);
+    palette.setColor(QPalette::Highlight, QColor(0x3d, 0xae, 0xe9));
+    palette.setColor(QPalette::HighlightedText, text);
+    palette.setColor(QPalette::Link, QColor(0x1d, 0x99, 0xf3));
+    for (QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(0x6e, 0x71, 0x75));
+    return palette;
+}
+
+double luminance(const QColor &colour)
+{
+    const auto channel = [](double value) {
+        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * channel(colour.redF()) + 0.7152 * channel(colour.greenF()) + 0.0722 * channel(colour.blueF());
+}
+
+double contrast(const QColor &a, const QColor &b)
+{
+    const double la = luminance(a);
+    const double lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
 }
 
 // Controls that reach outside the window, e.g. pushed out by a layout that cannot shrink.
@@ -142,6 +184,60 @@ private slots:
         QVERIFY(dialog.grab().save(path("loginfowindow.png")));
         QVERIFY2(cramped(dialog).isEmpty(), qPrintable(cramped(dialog).join(", ")));
         QVERIFY2(outside(dialog).isEmpty(), qPrintable(outside(dialog).join(", ")));
+    }
+
+    // The priority colours of the table under a dark scheme: they read as body text
+    // does on both row colours and stay apart from the plain text and from each other.
+    void darkColourScheme()
+    {
+        const QPalette light = QApplication::palette();
+        QApplication::setPalette(breezeDark());
+        const auto restore = qScopeGuard([&light] { QApplication::setPalette(light); });
+        const QPalette dark = QApplication::palette();
+
+        QTemporaryDir dir;
+        const QString journal = dir.filePath(QStringLiteral("events"));
+        QFile file(journal);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        const QStringList priorities = QStringLiteral("emerg alert crit err warning notice info debug").split(' ');
+        for (int i = 0; i < 24; ++i)
+            file.write(views::line(QStringLiteral("auth-%1").arg(i), priorities.at(i % priorities.size())) + '\n');
+        file.close();
+
+        LogWidget widget(journal, {});
+        widget.resize(kSmallScreen.width(), 560);
+        widget.show();
+        widget.refresh();
+        QVERIFY(QTest::qWaitForWindowExposed(&widget));
+        QTRY_COMPARE(widget.model()->rowCount(), 24);
+
+        QMap<int, QColor> colours; // by priority number
+        for (int row = 0; row < widget.model()->rowCount(); ++row) {
+            const QVariant foreground = widget.model()->index(row, EventsModel::NameColumn).data(Qt::ForegroundRole);
+            const int priority = widget.model()->event(row)->priority;
+            QCOMPARE(foreground.isValid(), priority >= 1 && priority <= 5);
+            if (foreground.isValid())
+                colours.insert(priority, foreground.value<QColor>());
+        }
+        QCOMPARE(colours.size(), 5);
+        const QColor text = dark.color(QPalette::Text);
+        for (const QColor &colour : qAsConst(colours)) {
+            for (QPalette::ColorRole row : {QPalette::Base, QPalette::AlternateBase})
+                QVERIFY2(contrast(colour, dark.color(row)) >= 4.5,
+                         qPrintable(colour.name() + QStringLiteral(" on ") + dark.color(row).name()));
+            // A hue of its own, not a tint of the plain text.
+            QVERIFY2(colour.hsvSaturation() - text.hsvSaturation() > 128, qPrintable(colour.name()));
+        }
+        const int hues = std::abs(colours.value(1).hsvHue() - colours.value(4).hsvHue());
+        QVERIFY2(std::min(hues, 360 - hues) >= 30, qPrintable(colours.value(1).name() + colours.value(4).name()));
+        QVERIFY(widget.grab().save(path("breeze-dark.png")));
+
+        ConfigStore store;
+        FilterWindow window(store);
+        window.resize(kSmallScreen);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QVERIFY(window.grab().save(path("breeze-dark-filterwindow.png")));
     }
 
 private:
