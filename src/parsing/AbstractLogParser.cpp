@@ -1,5 +1,7 @@
 #include "AbstractLogParser.h"
 
+#include "LineAcceptor.h"
+
 #include "LineParser.h"
 #include "LineReader.h"
 #include "RegularFile.h"
@@ -11,6 +13,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <functional>
 #include <set>
 #include <thread>
 
@@ -185,11 +188,19 @@ void AbstractLogParser::hideCounted()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     m_indexBase.store(static_cast<int>(m_index.size()), std::memory_order_relaxed);
+    // Everything counted is hidden now: the timeline of the hidden rows is the whole one.
+    if (m_recordsTimes && m_times.byHour() && m_times.rows() == m_index.size()) {
+        m_hiddenHours = m_times.hours();
+        m_hiddenRows = m_index.size();
+    }
 }
 
 void AbstractLogParser::showAll()
 {
+    std::lock_guard<std::mutex> lock(m_mutex);
     m_indexBase.store(0, std::memory_order_relaxed);
+    m_hiddenHours.clear();
+    m_hiddenRows = 0;
 }
 
 bool AbstractLogParser::lineAt(LineReader &reader, qint64 position, QByteArray *line)
@@ -320,6 +331,11 @@ void AbstractLogParser::beginFullScan(QIODevice &file, qint64 size)
     if (m_scannedSize > size)
         m_indexBase.store(0, std::memory_order_relaxed);
     m_index.clear();
+    m_recordsTimes = m_marksWanted.load(std::memory_order_relaxed) || m_timelineWanted.load(std::memory_order_relaxed);
+    m_times = EventTimes(m_timelineWanted.load(std::memory_order_relaxed));
+    // Rows that stay hidden may now be other lines than those whose hours were noted.
+    m_hiddenHours.clear();
+    m_hiddenRows = m_indexBase.load(std::memory_order_relaxed) == 0 ? 0 : std::size_t(-1);
     m_malformed = 0;
     m_scannedSize = size;
     m_lastPercent = 0;
@@ -366,7 +382,7 @@ void AbstractLogParser::reportPercent(qint64 position, qint64 total)
     }
 }
 
-void AbstractLogParser::appendPositions(LineIndex &&counted)
+void AbstractLogParser::appendPositions(LineIndex &&counted, const EventTimes *times)
 {
     if (counted.empty())
         return;
@@ -375,7 +391,152 @@ void AbstractLogParser::appendPositions(LineIndex &&counted)
         m_index = std::move(counted);
     else
         m_index.append(counted);
+    if (m_recordsTimes && times)
+        m_times.append(*times);
 }
+
+void AbstractLogParser::setTimeMarksEnabled(bool enabled)
+{
+    m_marksWanted.store(enabled, std::memory_order_relaxed);
+}
+
+void AbstractLogParser::setTimelineEnabled(bool enabled)
+{
+    if (enabled && !m_timelineWanted.exchange(true, std::memory_order_relaxed))
+        invalidateResults();
+    else if (!enabled)
+        m_timelineWanted.store(false, std::memory_order_relaxed);
+}
+
+bool AbstractLogParser::readTimesOfRows(QIODevice &file, std::size_t first, std::size_t end,
+                                        const std::function<bool(qint64, Event::Priority)> &take)
+{
+    LineReader reader(file, LineReader::kPageBlock);
+    LineAcceptor acceptor;
+    std::vector<qint64> slice;
+    const char *data = nullptr;
+    qint64 size = 0;
+    for (std::size_t from = first; from < end; from += kRowSlice) {
+        slice.clear();
+        m_index.copyTo(from, std::min(kRowSlice, end - from), slice);
+        for (const qint64 position : slice) {
+            if (stopRequested() || !reader.seek(position) || !reader.readLine(&data, &size))
+                return false;
+            qint64 msecs = EventTimes::kNoTime;
+            Event::Priority priority = Event::Unknown;
+            // A line that no longer parses is a row without a time.
+            if (!EventTimes::readLine(acceptor, data, size, &msecs, &priority))
+                msecs = EventTimes::kNoTime;
+            if (!take(msecs, priority))
+                return true;
+        }
+    }
+    return true;
+}
+
+int AbstractLogParser::rowAtTime(const QDateTime &time)
+{
+    if (!time.isValid())
+        return -1;
+    QFile file;
+    if (!openJournal(file))
+        return -1;
+    if (!m_recordsTimes) {
+        m_marksWanted.store(true, std::memory_order_relaxed);
+        invalidateResults();
+    }
+    scan(file);
+    // Only this thread changes the index and the times, so they are read without the lock.
+    if (!m_recordsTimes || stopRequested() || m_times.rows() != m_index.size())
+        return -1;
+    const qint64 target = time.toMSecsSinceEpoch();
+    const std::size_t base = static_cast<std::size_t>(indexBase());
+    const std::vector<EventTimes::Run> &runs = m_times.runs();
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        const std::size_t runEnd = i + 1 < runs.size() ? runs[i + 1].firstRow : m_times.rows();
+        if (runs[i].latest == EventTimes::kNoTime || runs[i].latest < target || runEnd <= base)
+            continue;
+        // The run holds the time sought, unless only among hidden rows.
+        std::size_t row = std::max(runs[i].firstRow, base);
+        bool found = false;
+        const bool read = readTimesOfRows(file, row, runEnd, [&](qint64 msecs, Event::Priority) {
+            if (msecs != EventTimes::kNoTime && msecs >= target) {
+                found = true;
+                return false;
+            }
+            ++row;
+            return true;
+        });
+        if (found)
+            return static_cast<int>(row - base);
+        if (!read)
+            return -1;
+    }
+    return -1;
+}
+
+namespace
+{
+qint64 floorDivide(qint64 value, qint64 divisor)
+{
+    return value >= 0 ? value / divisor : -((-(value + 1)) / divisor) - 1;
+}
+}
+
+std::vector<AbstractLogParser::TimelineEntry> AbstractLogParser::timeline(TimelineBucket bucket)
+{
+    if (!m_recordsTimes || !m_times.byHour())
+        return {};
+    std::map<qint64, EventTimes::Counts> hours = m_times.hours();
+    const std::size_t base = static_cast<std::size_t>(indexBase());
+    std::map<qint64, EventTimes::Counts> hidden;
+    bool known = false;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        known = m_hiddenRows == base;
+        if (known)
+            hidden = m_hiddenHours;
+    }
+    if (base > 0 && !known) {
+        // Hidden before a full rescan: which lines they are now is only in the file.
+        QFile file;
+        if (!openJournal(file))
+            return {};
+        EventTimes read(true);
+        const bool complete = readTimesOfRows(file, 0, std::min(base, m_index.size()),
+                                              [&read](qint64 msecs, Event::Priority priority) {
+                                                  read.add(msecs, priority);
+                                                  return true;
+                                              });
+        if (!complete)
+            return {};
+        hidden = read.hours();
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_hiddenHours = hidden;
+        m_hiddenRows = base;
+    }
+    for (const auto &hour : hidden)
+        EventTimes::addCounts(hours[hour.first], hour.second, -1);
+
+    const qint64 hoursPerBucket = bucket == TimelineBucket::Day ? 24 : 1;
+    std::vector<TimelineEntry> entries;
+    for (const auto &hour : hours) {
+        qint64 total = 0;
+        for (const qint64 n : hour.second)
+            total += n;
+        if (total == 0)
+            continue;
+        const qint64 start = EventTimes::hourStart(floorDivide(hour.first, hoursPerBucket) * hoursPerBucket);
+        if (entries.empty() || entries.back().startMsecs != start) {
+            entries.emplace_back();
+            entries.back().startMsecs = start;
+        }
+        entries.back().total += total;
+        EventTimes::addCounts(entries.back().byPriority, hour.second);
+    }
+    return entries;
+}
+
 
 void AbstractLogParser::trimPositions()
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Event.h"
+#include "EventTimes.h"
 #include "LineIndex.h"
 #include "LineReader.h"
 #include "RegularFile.h"
@@ -13,6 +14,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
+#include <map>
 #include <limits>
 #include <memory>
 #include <mutex>
@@ -95,6 +98,33 @@ public:
     void setWorkerCount(unsigned workers) { m_workerCount = workers; }
     unsigned workerCount() const;
 
+    // Counting notes the latest event time of every run of rows, so that rowAtTime() reads
+    // one run instead of the file; on unless turned off before counting.
+    void setTimeMarksEnabled(bool enabled);
+    // Counting also counts the events per UTC hour and priority for timeline(). Off until
+    // turned on; turning it on after a count makes the next scan read the file again.
+    void setTimelineEnabled(bool enabled);
+    bool timelineEnabled() const { return m_timelineWanted.load(std::memory_order_relaxed); }
+
+    // The shown row of the first counted event in file order whose time is at or after
+    // `time` (compared as instants); -1 when there is none, the file cannot be opened or
+    // the stop flag ended the search. Events whose time is not a valid date-time are
+    // never found. Takes in growth first, as load() does; without time marks the file is
+    // counted again with them. On the thread that scans.
+    int rowAtTime(const QDateTime &time);
+
+    enum class TimelineBucket { Hour, Day };
+    struct TimelineEntry {
+        qint64 startMsecs = 0; // the bucket's start, milliseconds since the epoch (UTC)
+        qint64 total = 0;
+        EventTimes::Counts byPriority{}; // priorities 1 to 8, then the unknown one
+    };
+    // The shown rows of the last count per UTC bucket, non-empty buckets in time order.
+    // Events whose time is not a valid date-time are in no bucket. Empty while the
+    // timeline is off or before a count with it. On the thread that scans (rows hidden
+    // since a full rescan may have to be read again).
+    std::vector<TimelineEntry> timeline(TimelineBucket bucket);
+
 Q_SIGNALS:
     void percentRead(int percent);
 
@@ -124,7 +154,12 @@ protected:
     void reportPercent(qint64 position, qint64 total);
 
     // Moves positions counted elsewhere behind those in the index, under the mutex.
-    void appendPositions(LineIndex &&counted);
+    // With `times`, the times of those lines join the parser's at the same time.
+    void appendPositions(LineIndex &&counted, const EventTimes *times = nullptr);
+    // Whether the scan that runs notes the times of counted lines, and a fresh holder for
+    // the times of one range or tail.
+    bool recordsTimes() const { return m_recordsTimes; }
+    EventTimes newTimes() const { return EventTimes(m_times.byHour()); }
     // Gives back spare index capacity after a scan.
     void trimPositions();
     // Forces the next scan to start from the beginning (e.g. after the filter changed).
@@ -145,6 +180,8 @@ protected:
         bool stopped = false;
         qint64 malformed = 0;
         LineIndex counted;
+        // Times of the counted lines when the scan records them.
+        EventTimes times;
     };
 
     // Hands every line from the reader's position up to `end` (or the end of the data)
@@ -235,14 +272,14 @@ protected:
     // thread with percentRead whenever the percentage grows; the counted positions join
     // the index. Returns where the next scan resumes.
     template<typename Judge>
-    qint64 readTail(LineReader &reader, qint64 size, Judge judge)
+    qint64 readTail(LineReader &reader, qint64 size, Judge judge, const EventTimes *times = nullptr)
     {
         RangeEnd end = readLines(reader, std::numeric_limits<qint64>::max(),
                                  [&](qint64 position, const char *data, qint64 lineSize) {
                                      reportPercent(position, size);
                                      return judge(position, data, lineSize);
                                  });
-        appendPositions(std::move(end.counted));
+        appendPositions(std::move(end.counted), times);
         m_malformed += end.malformed;
         return end.resume;
     }
@@ -268,7 +305,7 @@ protected:
         for (std::thread &worker : workers)
             worker.join();
         for (RangeEnd &result : results) {
-            appendPositions(std::move(result.counted));
+            appendPositions(std::move(result.counted), &result.times);
             m_malformed += result.malformed;
         }
         m_lastPercent = results.back().lastPercent;
@@ -322,6 +359,19 @@ protected:
     QPair<quint64, quint64> m_fileIdentity{0, 0};
 
 private:
+    // Times of the indexed rows, in step with m_index under m_mutex while recorded.
+    EventTimes m_times;
+    bool m_recordsTimes = false;
+    std::atomic<bool> m_marksWanted{true};
+    std::atomic<bool> m_timelineWanted{false};
+    // Hours of the rows hidden by hideCounted(), valid while m_hiddenRows is the index base.
+    std::map<qint64, EventTimes::Counts> m_hiddenHours;
+    std::size_t m_hiddenRows = 0;
+    // The counted time and priority of the rows [first, end), read from the file.
+    // `take` returns false to stop early; false when the stop flag or the file cut reading short.
+    bool readTimesOfRows(QIODevice &file, std::size_t first, std::size_t end,
+                         const std::function<bool(qint64, Event::Priority)> &take);
+
     bool openJournal(QFile &file);
     QString pinnedPath() const;
 

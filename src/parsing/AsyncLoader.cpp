@@ -16,6 +16,8 @@ void AsyncLoader::registerMetaTypes()
         qRegisterMetaType<std::string>("std::string");
         qRegisterMetaType<MapForCounts>("MapForCounts");
         qRegisterMetaType<Event::Priority>("Event::Priority");
+        qRegisterMetaType<std::vector<AbstractLogParser::TimelineEntry>>(
+            "std::vector<AbstractLogParser::TimelineEntry>");
         return true;
     }();
     Q_UNUSED(registered)
@@ -44,6 +46,18 @@ void AsyncLoader::asyncCheckedCount()
         return;
     }
     asyncCount();
+}
+
+void AsyncLoader::asyncRowAtTime(const QDateTime &time)
+{
+    Q_EMIT rowAtTimeFound(time, m_parser->rowAtTime(time));
+}
+
+void AsyncLoader::asyncTimeline(int bucket)
+{
+    m_parser->setTimelineEnabled(true);
+    const int count = m_parser->count();
+    Q_EMIT timelineFinished(m_parser->timeline(static_cast<AbstractLogParser::TimelineBucket>(bucket)), count);
 }
 
 void AsyncLoader::asyncCountForSummary()

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "AbstractLogParser.h"
 #include "Event.h"
 #include "MapForCounts.h"
 
+#include <QDateTime>
 #include <QMetaType>
 #include <QObject>
 
@@ -10,11 +12,11 @@
 #include <string>
 #include <vector>
 
-class AbstractLogParser;
 class CompressedLogFile;
 
 Q_DECLARE_METATYPE(std::vector<Event *>)
 Q_DECLARE_METATYPE(std::string)
+Q_DECLARE_METATYPE(std::vector<AbstractLogParser::TimelineEntry>)
 
 // Runs a log's parser on the thread it lives on: requests come in as queued slot
 // calls and results go out as signals. It owns nothing but the pointer to the parser.
@@ -47,6 +49,10 @@ Q_SIGNALS:
     void unpackFinished(bool unpacked);
     // The file test failed; `check` is an AbstractLogParser::FileCheck.
     void fileRefused(int check);
+    // The shown row of the first event at or after `time`, or -1 (AbstractLogParser::rowAtTime).
+    void rowAtTimeFound(const QDateTime &time, int row);
+    // The timeline of the shown rows after taking in growth; `count` as countFinished has it.
+    void timelineFinished(std::vector<AbstractLogParser::TimelineEntry> entries, int count);
 
 public Q_SLOTS:
     void asyncCount();
@@ -61,6 +67,10 @@ public Q_SLOTS:
     void asyncUnpack(CompressedLogFile *file);
     std::unique_ptr<Event> asyncLoadSingle(int position);
     std::string asyncLoadSingleString(int position);
+    void asyncRowAtTime(const QDateTime &time);
+    // `bucket` is an AbstractLogParser::TimelineBucket; turns the parser's timeline on
+    // (the first such request then counts the whole file again).
+    void asyncTimeline(int bucket);
 
 private:
     template<typename Result, typename Call>

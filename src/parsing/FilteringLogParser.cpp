@@ -1,7 +1,25 @@
 #include "FilteringLogParser.h"
 
+#include "EventTimes.h"
+#include "LineAcceptor.h"
 #include "LineFilter.h"
 #include "LineReader.h"
+
+AbstractLogParser::Outcome FilteringLogParser::judge(LineFilter &filter, LineAcceptor &acceptor, EventTimes *times,
+                                                     const char *data, qint64 size)
+{
+    const Outcome outcome = outcomeOf(filter.test(data, size));
+    if (outcome == Outcome::Counted && times) {
+        // Only lines that pass are read again, for their time: those a filter lets
+        // through are usually few.
+        qint64 msecs = EventTimes::kNoTime;
+        Event::Priority priority = Event::Unknown;
+        if (!EventTimes::readLine(acceptor, data, size, &msecs, &priority))
+            msecs = EventTimes::kNoTime;
+        times->add(msecs, priority);
+    }
+    return outcome;
+}
 
 AbstractLogParser::Outcome FilteringLogParser::outcomeOf(LineFilter::Result result)
 {
@@ -36,9 +54,14 @@ void FilteringLogParser::scan(QIODevice &file)
             file, size,
             [this](qint64 start, qint64 end, bool last) {
                 LineFilter filter(m_scanFilter);
-                return readRange(start, end, last, [&filter](qint64, const char *data, qint64 size) {
-                    return outcomeOf(filter.test(data, size));
+                LineAcceptor acceptor;
+                EventTimes times = newTimes();
+                EventTimes *noted = recordsTimes() ? &times : nullptr;
+                RangeEnd result = readRange(start, end, last, [&](qint64, const char *data, qint64 size) {
+                    return judge(filter, acceptor, noted, data, size);
                 });
+                result.times = std::move(times);
+                return result;
             },
             tail);
     }
@@ -48,6 +71,11 @@ void FilteringLogParser::scan(QIODevice &file)
 qint64 FilteringLogParser::scanTail(LineReader &reader, qint64 size)
 {
     LineFilter filter(m_scanFilter);
-    return readTail(reader, size,
-                    [&filter](qint64, const char *data, qint64 lineSize) { return outcomeOf(filter.test(data, lineSize)); });
+    LineAcceptor acceptor;
+    EventTimes times = newTimes();
+    EventTimes *noted = recordsTimes() ? &times : nullptr;
+    return readTail(
+        reader, size,
+        [&](qint64, const char *data, qint64 lineSize) { return judge(filter, acceptor, noted, data, lineSize); },
+        &times);
 }

@@ -4,6 +4,8 @@
 #include "FilterPack.h"
 #include "LineFilter.h"
 
+class EventTimes;
+class LineAcceptor;
 class LineReader;
 
 // Lines whose events pass a filter; full scans are split over worker threads.
@@ -25,6 +27,9 @@ private:
     static Outcome outcomeOf(LineFilter::Result result);
     // Reads from the reader's position to the end of the data on the calling thread.
     qint64 scanTail(LineReader &reader, qint64 size);
+    // The filter's answer; with `times`, a passing line's time and priority go there.
+    static Outcome judge(LineFilter &filter, LineAcceptor &acceptor, EventTimes *times, const char *data,
+                         qint64 size);
 
     FilterPack m_filter;
     // The filter the running scan applies; worker threads only read it.

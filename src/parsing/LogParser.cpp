@@ -1,9 +1,24 @@
 #include "LogParser.h"
 
+#include "EventTimes.h"
 #include "LineAcceptor.h"
+#include "LineParser.h"
 #include "LineReader.h"
 
 #include <QIODevice>
+
+AbstractLogParser::Outcome LogParser::judge(LineAcceptor &acceptor, EventTimes *times, const char *data,
+                                            qint64 size)
+{
+    if (!times)
+        return acceptor.accepts(data, size) ? Outcome::Counted : Outcome::Unreadable;
+    qint64 msecs = EventTimes::kNoTime;
+    Event::Priority priority = Event::Unknown;
+    if (!EventTimes::readLine(acceptor, data, size, &msecs, &priority))
+        return Outcome::Unreadable;
+    times->add(msecs, priority);
+    return Outcome::Counted;
+}
 
 void LogParser::scan(QIODevice &file)
 {
@@ -15,9 +30,13 @@ void LogParser::scan(QIODevice &file)
             file, size,
             [this](qint64 start, qint64 end, bool last) {
                 LineAcceptor acceptor;
-                return readRange(start, end, last, [&acceptor](qint64, const char *data, qint64 size) {
-                    return acceptor.accepts(data, size) ? Outcome::Counted : Outcome::Unreadable;
+                EventTimes times = newTimes();
+                EventTimes *noted = recordsTimes() ? &times : nullptr;
+                RangeEnd result = readRange(start, end, last, [&](qint64, const char *data, qint64 size) {
+                    return judge(acceptor, noted, data, size);
                 });
+                result.times = std::move(times);
+                return result;
             },
             tail);
     }
@@ -27,7 +46,9 @@ void LogParser::scan(QIODevice &file)
 qint64 LogParser::scanTail(LineReader &reader, qint64 size)
 {
     LineAcceptor acceptor;
-    return readTail(reader, size, [&acceptor](qint64, const char *data, qint64 lineSize) {
-        return acceptor.accepts(data, lineSize) ? Outcome::Counted : Outcome::Unreadable;
-    });
+    EventTimes times = newTimes();
+    EventTimes *noted = recordsTimes() ? &times : nullptr;
+    return readTail(
+        reader, size, [&](qint64, const char *data, qint64 lineSize) { return judge(acceptor, noted, data, lineSize); },
+        &times);
 }

@@ -2,6 +2,8 @@
 
 #include "AbstractLogParser.h"
 
+class EventTimes;
+class LineAcceptor;
 class LineReader;
 
 // Every line that parses. Full scans are split over worker threads; lines are judged
@@ -17,4 +19,6 @@ protected:
 
 private:
     qint64 scanTail(LineReader &reader, qint64 size);
+    // Whether the line counts; with `times`, a counted line's time and priority go there.
+    static Outcome judge(LineAcceptor &acceptor, EventTimes *times, const char *data, qint64 size);
 };

@@ -18,6 +18,8 @@ signals:
     void loadFinished(std::vector<Event *> events);
     void percentRead(int percent);
     void countsForSummaryFinished(MapForCounts counts);
+    void rowAtTimeFound(const QDateTime &time, int row);
+    void timelineFinished(std::vector<AbstractLogParser::TimelineEntry> entries, int count);
 };
 
 class TestAsyncLoader : public QObject
@@ -40,6 +42,8 @@ class TestAsyncLoader : public QObject
             connect(loader.get(), &AsyncLoader::loadFinished, &relay, &Relay::loadFinished);
             connect(loader.get(), &AsyncLoader::percentRead, &relay, &Relay::percentRead);
             connect(loader.get(), &AsyncLoader::countsForSummaryFinished, &relay, &Relay::countsForSummaryFinished);
+            connect(loader.get(), &AsyncLoader::rowAtTimeFound, &relay, &Relay::rowAtTimeFound);
+            connect(loader.get(), &AsyncLoader::timelineFinished, &relay, &Relay::timelineFinished);
             thread.start();
         }
         ~Running()
@@ -80,6 +84,20 @@ private slots:
                                   Qt::BlockingQueuedConnection);
         const std::unique_ptr<Event> single = fromInside.get_future().get();
         QVERIFY(single && single->messageId == valid[4]);
+
+        // Every fixture event is at 10:00 UTC: the first row is at it, none after it.
+        QSignalSpy found(&running.relay, &Relay::rowAtTimeFound);
+        QSignalSpy timelines(&running.relay, &Relay::timelineFinished);
+        const QDateTime ten(QDate(2024, 3, 1), QTime(10, 0), Qt::UTC);
+        for (const QDateTime &time : {ten, ten.addMSecs(1)})
+            QMetaObject::invokeMethod(running.loader.get(), "asyncRowAtTime", Qt::QueuedConnection, Q_ARG(QDateTime, time));
+        QMetaObject::invokeMethod(running.loader.get(), "asyncTimeline", Qt::QueuedConnection,
+                                  Q_ARG(int, int(AbstractLogParser::TimelineBucket::Day)));
+        QVERIFY(timelines.wait());
+        QVERIFY(found.size() == 2 && found.at(0).at(1).toInt() == 0 && found.at(1).at(1).toInt() == -1);
+        const auto days = timelines.at(0).at(0).value<std::vector<AbstractLogParser::TimelineEntry>>();
+        QVERIFY(days.size() == 1 && days[0].startMsecs == QDateTime(ten.date(), QTime(0, 0), Qt::UTC).toMSecsSinceEpoch());
+        QVERIFY(days[0].total == valid.size() && timelines.at(0).at(1).toInt() == valid.size());
 
         QVERIFY(QFile::remove(path));
         QMetaObject::invokeMethod(running.loader.get(), "asyncLoad", Qt::QueuedConnection, Q_ARG(int, 0), Q_ARG(int, 5));

@@ -142,6 +142,56 @@ private Q_SLOTS:
         QCOMPARE(QDir(scratch.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"events 1.gz"});
     }
 
+    void goToATimeAndTimelinesOfAClockThatStepsBack()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath("stepping.log");
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        const QVector<QPair<const char *, const char *>> lines{
+            {"2024-03-01T10:15:00Z", "err"},      {"2024-03-01T09:50:00+01:00", "warning"},
+            {"2024-03-01T12:00:00Z", "notice"},   {nullptr, nullptr},
+            {"2024-03-02T00:30:00+03:00", "info"}, {"2024-03-02T01:00:00Z", "Loud"},
+            {"2024-03-01T10:20:00Z", "err"}};
+        for (const auto &[time, priority] : lines)
+            file.write(time ? QStringLiteral("{\"ISODATE\":\"%1\",\"PRIORITY\":\"%2\",\"MSG\":{\"velmo-auth\":{}}}\n")
+                                  .arg(time, priority)
+                                  .toUtf8()
+                            : QByteArray("{\"MSG\": cut\n"));
+        file.close();
+
+        // Rows are 1-based among the events (the filter's, when given); none: no output, status 1.
+        const QVector<QPair<QStringList, QByteArray>> gotos{
+            {{"--time", "2024-03-01T10:16:00Z"}, "3\n"},       {{"--time", "2024-03-01T08:50:00Z"}, "1\n"},
+            {{"--time", "2024-03-01T11:00:00+01:00"}, "1\n"},  {{"--time", "2024-03-01T21:00:00Z"}, "4\n"},
+            {{"--time", "2024-03-02T01:00:01Z"}, ""},           {{"--time", "2024-03-01T10:16:00Z", "--priority", "err"}, "2\n"},
+            {{"--time", "2024-03-01T10:21:00Z", "--priority", "err"}, ""}};
+        for (const auto &[arguments, expected] : gotos) {
+            const Result result = run(QStringList{"goto", path} + arguments);
+            QVERIFY2(result.exitCode == (expected.isEmpty() ? 1 : 0) && result.err.isEmpty() && result.out == expected,
+                     qPrintable(arguments.join(' ') + QLatin1String(": ") + result.out + result.err));
+        }
+
+        const QVector<QPair<QStringList, QByteArray>> timelines{
+            {{},
+             "2024-03-01T08:00:00Z\t1\t0\t0\t0\t0\t1\t0\t0\t0\t0\n"
+             "2024-03-01T10:00:00Z\t2\t0\t0\t0\t2\t0\t0\t0\t0\t0\n"
+             "2024-03-01T12:00:00Z\t1\t0\t0\t0\t0\t0\t1\t0\t0\t0\n"
+             "2024-03-01T21:00:00Z\t1\t0\t0\t0\t0\t0\t0\t1\t0\t0\n"
+             "2024-03-02T01:00:00Z\t1\t0\t0\t0\t0\t0\t0\t0\t0\t1\n"},
+            {{"--bucket", "day"},
+             "2024-03-01T00:00:00Z\t5\t0\t0\t0\t2\t1\t1\t1\t0\t0\n"
+             "2024-03-02T00:00:00Z\t1\t0\t0\t0\t0\t0\t0\t0\t0\t1\n"},
+            {{"--bucket", "day", "--priority", "err,info", "--workers", "2"},
+             "2024-03-01T00:00:00Z\t3\t0\t0\t0\t2\t0\t0\t1\t0\t0\n"},
+            {{"--priority", "debug"}, ""}};
+        for (const auto &[arguments, expected] : timelines) {
+            const Result result = run(QStringList{"timeline", path} + arguments);
+            QVERIFY2(result.exitCode == 0 && result.err.isEmpty() && result.out == expected,
+                     qPrintable(arguments.join(' ') + QLatin1String(": ") + result.out + result.err));
+        }
+    }
+
     void errorsExitWithMessage()
     {
         const QString j = kJournal;
@@ -159,6 +209,9 @@ private Q_SLOTS:
             {{"count", j, "--param", "colour=red"}, 2, "'colour'"}, {{"count", j, "--param", "uid=alice"}, 2, "'alice'"},
             {{"count", j, "--param", "time=2024"}, 2, "'time'"}, {{"count", j, "--custom", "desk=7"}, 2, "'desk'"},
             {{"count", j, "--workers", "0"}, 2, "--workers"}, {{"count", j, "--raw"}, 2, "--raw"},
+            {{"goto", j}, 2, "--time"}, {{"goto", j, "--time", "noon"}, 2, "'noon'"},
+            {{"timeline", j, "--bucket", "week"}, 2, "'week'"}, {{"count", j, "--bucket", "day"}, 2, "--bucket"},
+            {{"timeline", j, "--time", "2024-03-01T00:00:00Z"}, 2, "--time"},
             {{"count", fixture("no-such.log")}, 1, "cannot open " + fixture("no-such.log")},
             {{"page", QStringLiteral(__FILE__), "--page", "1", "--per-page", "1"}, 1, "not an events journal"}};
         for (const auto &[arguments, exitCode, message] : cases) {

@@ -10,6 +10,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -29,6 +30,8 @@ const QString kPage = QStringLiteral("page");
 const QString kPerPage = QStringLiteral("per-page");
 const QString kRaw = QStringLiteral("raw");
 const QString kWorkers = QStringLiteral("workers");
+const QString kTime = QStringLiteral("time");
+const QString kBucket = QStringLiteral("bucket");
 
 // Rows are read from the parser in slices of this size, so that a huge --per-page
 // never holds more than a slice of events in memory.
@@ -102,6 +105,8 @@ private:
     int count(const QString &path);
     int summary(const QString &path);
     int page(const QString &path, qint64 page, qint64 perPage);
+    int goTo(const QString &path, const QDateTime &time);
+    int timeline(const QString &path, AbstractLogParser::TimelineBucket bucket);
 
     std::unique_ptr<AbstractLogParser> makeParser(const QString &path) const;
 
@@ -164,16 +169,25 @@ int Cli::run(const QStringList &arguments)
         "  summary FILE                    events by priority and source in the last hour, day and week (JSON)\n"
         "  page FILE --page P --per-page N [filter options] [--raw]\n"
         "                                  one JSON object per event of page P (1-based), or the raw lines\n"
+        "  goto FILE --time T [filter options]\n"
+        "                                  row number (1-based) of the first event in file order at or after\n"
+        "                                  the ISO 8601 date-time T; nothing and status 1 when there is none\n"
+        "  timeline FILE [--bucket hour|day] [filter options]\n"
+        "                                  per UTC hour or day: its start, the number of events, then the\n"
+        "                                  numbers of priorities 1 to 8 and unknown, tab-separated\n"
         "\n"
         "Exit status: 0 success, 1 file errors, 2 usage errors."));
     m_parser.addHelpOption();
     m_parser.addVersionOption();
-    m_parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("count, summary or page"));
+    m_parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("count, summary, page, goto or timeline"));
     m_parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("The journal file."));
     m_parser.addOptions({
         {kPage, QStringLiteral("Page number, from 1 (page)."), QStringLiteral("P")},
         {kPerPage, QStringLiteral("Events per page (page)."), QStringLiteral("N")},
         {kRaw, QStringLiteral("Print the journal lines as they stand (page).")},
+        {kTime, QStringLiteral("The ISO 8601 date-time to go to (goto)."), QStringLiteral("T")},
+        {kBucket, QStringLiteral("Bucket of the timeline: hour (default) or day (timeline)."),
+         QStringLiteral("hour|day")},
         {kWorkers, QStringLiteral("Threads for filtered counts and the summary; default one per processor."),
          QStringLiteral("N")},
     });
@@ -192,10 +206,13 @@ int Cli::run(const QStringList &arguments)
 
     const QStringList positional = m_parser.positionalArguments();
     if (positional.isEmpty())
-        return usageError(QStringLiteral("no command given (count, summary or page)"));
+        return usageError(QStringLiteral("no command given (count, summary, page, goto or timeline)"));
     const QString command = positional.first();
-    if (command != QLatin1String("count") && command != QLatin1String("summary") && command != QLatin1String("page"))
-        return usageError(QStringLiteral("unknown command '%1' (expected count, summary or page)").arg(command));
+    const QStringList commands{QStringLiteral("count"), QStringLiteral("summary"), QStringLiteral("page"),
+                               QStringLiteral("goto"), QStringLiteral("timeline")};
+    if (!commands.contains(command))
+        return usageError(
+            QStringLiteral("unknown command '%1' (expected count, summary, page, goto or timeline)").arg(command));
     if (positional.size() < 2)
         return usageError(QStringLiteral("%1: no journal file given").arg(command));
     if (positional.size() > 2)
@@ -205,6 +222,29 @@ int Cli::run(const QStringList &arguments)
     for (const QString &pageOption : {kPage, kPerPage, kRaw}) {
         if (!isPage && m_parser.isSet(pageOption))
             return usageError(QStringLiteral("--%1 applies to the page command only").arg(pageOption));
+    }
+    const std::pair<QString, QString> ownOptions[] = {{kTime, QStringLiteral("goto")},
+                                                      {kBucket, QStringLiteral("timeline")}};
+    for (const auto &own : ownOptions) {
+        if (command != own.second && m_parser.isSet(own.first))
+            return usageError(QStringLiteral("--%1 applies to the %2 command only").arg(own.first, own.second));
+    }
+    QDateTime gotoTime;
+    if (command == QLatin1String("goto")) {
+        if (!m_parser.isSet(kTime))
+            return usageError(QStringLiteral("goto needs --time"));
+        gotoTime = QDateTime::fromString(m_parser.value(kTime), Qt::ISODate);
+        if (!gotoTime.isValid())
+            return usageError(QStringLiteral("--time: '%1' is not an ISO 8601 date-time (e.g. 2024-03-01T10:15:00)")
+                                  .arg(m_parser.value(kTime)));
+    }
+    auto bucket = AbstractLogParser::TimelineBucket::Hour;
+    if (m_parser.isSet(kBucket)) {
+        const QString value = m_parser.value(kBucket);
+        if (value == QLatin1String("day"))
+            bucket = AbstractLogParser::TimelineBucket::Day;
+        else if (value != QLatin1String("hour"))
+            return usageError(QStringLiteral("--bucket needs hour or day, not '%1'").arg(value));
     }
     m_filtered = FilterOptions::anyGiven(m_parser);
     if (command == QLatin1String("summary") && m_filtered)
@@ -245,6 +285,10 @@ int Cli::run(const QStringList &arguments)
         return count(source.readablePath());
     if (command == QLatin1String("summary"))
         return summary(source.readablePath());
+    if (command == QLatin1String("goto"))
+        return goTo(source.readablePath(), gotoTime);
+    if (command == QLatin1String("timeline"))
+        return timeline(source.readablePath(), bucket);
     return page(source.readablePath(), pageNumber, perPage);
 }
 
@@ -275,6 +319,34 @@ int Cli::summary(const QString &path)
         root.insert(dictionary.priorityText(priority.key()), sources);
     }
     write(QJsonDocument(root).toJson(QJsonDocument::Indented));
+    return Success;
+}
+
+int Cli::goTo(const QString &path, const QDateTime &time)
+{
+    const std::unique_ptr<AbstractLogParser> parser = makeParser(path);
+    if (parser->count() < 0)
+        return fileError(QStringLiteral("cannot open %1").arg(m_displayPath));
+    const int row = parser->rowAtTime(time);
+    if (row < 0)
+        return FileError;
+    write(QByteArray::number(row + 1) + '\n');
+    return Success;
+}
+
+int Cli::timeline(const QString &path, AbstractLogParser::TimelineBucket bucket)
+{
+    const std::unique_ptr<AbstractLogParser> parser = makeParser(path);
+    parser->setTimelineEnabled(true);
+    if (parser->count() < 0)
+        return fileError(QStringLiteral("cannot open %1").arg(m_displayPath));
+    for (const AbstractLogParser::TimelineEntry &entry : parser->timeline(bucket)) {
+        QByteArray line = QDateTime::fromMSecsSinceEpoch(entry.startMsecs, Qt::UTC).toString(Qt::ISODate).toLatin1();
+        line += '\t' + QByteArray::number(entry.total);
+        for (const qint64 n : entry.byPriority)
+            line += '\t' + QByteArray::number(n);
+        write(line + '\n');
+    }
     return Success;
 }
 
