@@ -192,6 +192,47 @@ private Q_SLOTS:
         }
     }
 
+    void historyReadsTheRotationsOldestFirst()
+    {
+        QTemporaryDir dir;
+        const QString live = dir.filePath("events");
+        auto line = [](const char *time, const char *priority, const char *id) {
+            return QStringLiteral("{\"ISODATE\":\"%1\",\"PRIORITY\":\"%2\",\"MSG\":{\"velmo-auth\":{\"message_id\":\"%3\"}}}\n")
+                .arg(time, priority, id)
+                .toUtf8();
+        };
+        const QByteArray oldest = line("2024-03-01T10:00:00Z", "err", "a") + line("2024-03-01T11:00:00Z", "info", "b");
+        const QByteArray older = line("2024-03-01T09:00:00Z", "warning", "c") + "{\"MSG\": cut\n";
+        const QByteArray current = line("2024-03-02T00:00:00Z", "notice", "d");
+        {
+            KCompressionDevice packed(live + ".2.gz", KCompressionDevice::GZip);
+            QVERIFY(packed.open(QIODevice::WriteOnly));
+            packed.write(oldest);
+        }
+        for (const auto &[path, bytes] : {std::pair{live + ".1", older}, std::pair{live, current}}) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        }
+        const QVector<QPair<QStringList, QByteArray>> cases{
+            {{"count", live}, "1\n"},
+            {{"count", live, "--history"}, "4\n"},
+            {{"goto", live, "--history", "--time", "2024-03-01T10:30:00Z"}, "2\n"},
+            {{"goto", live, "--history", "--time", "2024-03-01T08:00:00Z"}, "1\n"},
+            {{"goto", live, "--history", "--time", "2024-03-01T11:30:00Z"}, "4\n"},
+            {{"goto", live, "--history", "--time", "2024-03-01T08:00:00Z", "--priority", "warning"}, "1\n"},
+            {{"timeline", live, "--history", "--bucket", "day"},
+             "2024-03-01T00:00:00Z\t3\t0\t0\t0\t1\t1\t0\t1\t0\t0\n"
+             "2024-03-02T00:00:00Z\t1\t0\t0\t0\t0\t0\t1\t0\t0\t0\n"},
+            {{"page", live, "--history", "--page", "2", "--per-page", "2", "--raw"}, older.left(older.indexOf('\n') + 1) + current}};
+        for (const auto &[arguments, expected] : cases) {
+            const Result result = run(arguments);
+            QVERIFY2(result.exitCode == 0 && result.err.isEmpty() && result.out == expected,
+                     qPrintable(arguments.join(' ') + QLatin1String(": ") + result.out + result.err));
+        }
+        const Result missing = run({"count", dir.filePath("none"), "--history"});
+        QVERIFY(missing.exitCode == 1 && missing.err.contains("cannot open"));
+    }
+
     void errorsExitWithMessage()
     {
         const QString j = kJournal;

@@ -3,6 +3,7 @@
 #include "Dictionary.h"
 #include "FilterOptions.h"
 #include "FilteringLogParser.h"
+#include "JournalHistory.h"
 #include "CompressedLogFile.h"
 #include "RegularFile.h"
 #include "LogParser.h"
@@ -32,6 +33,7 @@ const QString kRaw = QStringLiteral("raw");
 const QString kWorkers = QStringLiteral("workers");
 const QString kTime = QStringLiteral("time");
 const QString kBucket = QStringLiteral("bucket");
+const QString kHistory = QStringLiteral("history");
 
 // Rows are read from the parser in slices of this size, so that a huge --per-page
 // never holds more than a slice of events in memory.
@@ -102,11 +104,20 @@ private:
     void write(const QByteArray &bytes) { std::fwrite(bytes.constData(), 1, size_t(bytes.size()), m_out); }
 
     bool readPositive(const QString &option, qint64 *value, int *exitCode);
-    int count(const QString &path);
+    // Over one parser, or over a JournalHistory of parsers.
+    template<typename Reader>
+    int count(Reader &reader);
     int summary(const QString &path);
-    int page(const QString &path, qint64 page, qint64 perPage);
-    int goTo(const QString &path, const QDateTime &time);
-    int timeline(const QString &path, AbstractLogParser::TimelineBucket bucket);
+    int historySummary();
+    void writeSummary(const MapForCounts &counts);
+    template<typename Reader>
+    int page(Reader &reader, qint64 page, qint64 perPage);
+    template<typename Reader>
+    int goTo(Reader &reader, const QDateTime &time);
+    template<typename Reader>
+    int timeline(Reader &reader, AbstractLogParser::TimelineBucket bucket);
+    int runOnHistory(const QString &command, qint64 pageNumber, qint64 perPage, const QDateTime &gotoTime,
+                     AbstractLogParser::TimelineBucket bucket);
 
     std::unique_ptr<AbstractLogParser> makeParser(const QString &path) const;
 
@@ -176,6 +187,9 @@ int Cli::run(const QStringList &arguments)
         "                                  per UTC hour or day: its start, the number of events, then the\n"
         "                                  numbers of priorities 1 to 8 and unknown, tab-separated\n"
         "\n"
+        "With --history every command reads FILE's rotations (FILE.N[.gz|.bz2|.xz|.zst], highest N\n"
+        "first, then FILE-YYYYMMDD[.ext] by date) and FILE itself as one journal.\n"
+        "\n"
         "Exit status: 0 success, 1 file errors, 2 usage errors."));
     m_parser.addHelpOption();
     m_parser.addVersionOption();
@@ -188,6 +202,7 @@ int Cli::run(const QStringList &arguments)
         {kTime, QStringLiteral("The ISO 8601 date-time to go to (goto)."), QStringLiteral("T")},
         {kBucket, QStringLiteral("Bucket of the timeline: hour (default) or day (timeline)."),
          QStringLiteral("hour|day")},
+        {kHistory, QStringLiteral("Read the journal's rotations, oldest first, and the journal as one.")},
         {kWorkers, QStringLiteral("Threads for filtered counts and the summary; default one per processor."),
          QStringLiteral("N")},
     });
@@ -274,6 +289,8 @@ int Cli::run(const QStringList &arguments)
     }
 
     m_displayPath = positional.at(1);
+    if (m_parser.isSet(kHistory))
+        return runOnHistory(command, pageNumber, perPage, gotoTime, bucket);
     QString failure;
     JournalSource source(m_displayPath);
     if (!source.prepare(&failure))
@@ -281,20 +298,45 @@ int Cli::run(const QStringList &arguments)
     if (!source.isEmpty() && !LogParser(source.readablePath()).isJournal())
         return fileError(QStringLiteral("%1 is not an events journal").arg(m_displayPath));
 
-    if (command == QLatin1String("count"))
-        return count(source.readablePath());
     if (command == QLatin1String("summary"))
         return summary(source.readablePath());
+    const std::unique_ptr<AbstractLogParser> parser = makeParser(source.readablePath());
+    if (command == QLatin1String("count"))
+        return count(*parser);
     if (command == QLatin1String("goto"))
-        return goTo(source.readablePath(), gotoTime);
+        return goTo(*parser, gotoTime);
     if (command == QLatin1String("timeline"))
-        return timeline(source.readablePath(), bucket);
-    return page(source.readablePath(), pageNumber, perPage);
+        return timeline(*parser, bucket);
+    return page(*parser, pageNumber, perPage);
 }
 
-int Cli::count(const QString &path)
+int Cli::runOnHistory(const QString &command, qint64 pageNumber, qint64 perPage, const QDateTime &gotoTime,
+                      AbstractLogParser::TimelineBucket bucket)
 {
-    const int events = makeParser(path)->count();
+    if (JournalHistory::files(m_displayPath).isEmpty())
+        return fileError(QStringLiteral("cannot open %1").arg(m_displayPath));
+    if (command == QLatin1String("summary"))
+        return historySummary();
+    JournalHistory history(m_displayPath, [this](const QString &path) { return makeParser(path); });
+    int status = Success;
+    if (command == QLatin1String("count"))
+        status = count(history);
+    else if (command == QLatin1String("goto"))
+        status = goTo(history, gotoTime);
+    else if (command == QLatin1String("timeline"))
+        status = timeline(history, bucket);
+    else
+        status = page(history, pageNumber, perPage);
+    // What could not be unpacked is left out, and said so.
+    for (const QString &failed : history.failures())
+        std::fprintf(m_err, "nimb-events: left out %s: cannot unpack it\n", qUtf8Printable(failed));
+    return status;
+}
+
+template<typename Reader>
+int Cli::count(Reader &reader)
+{
+    const int events = reader.count();
     if (events < 0)
         return fileError(QStringLiteral("cannot open %1").arg(m_displayPath));
     write(QByteArray::number(events) + '\n');
@@ -305,7 +347,12 @@ int Cli::summary(const QString &path)
 {
     SummaryParser parser(path);
     parser.setWorkerCount(m_workers);
-    const MapForCounts counts = parser.countForSummary();
+    writeSummary(parser.countForSummary());
+    return Success;
+}
+
+void Cli::writeSummary(const MapForCounts &counts)
+{
     const Dictionary &dictionary = Dictionary::instance();
     QJsonObject root;
     for (auto priority = counts.cbegin(); priority != counts.cend(); ++priority) {
@@ -319,28 +366,51 @@ int Cli::summary(const QString &path)
         root.insert(dictionary.priorityText(priority.key()), sources);
     }
     write(QJsonDocument(root).toJson(QJsonDocument::Indented));
+}
+
+int Cli::historySummary()
+{
+    JournalHistory history(m_displayPath, [this](const QString &path) {
+        auto parser = std::make_unique<SummaryParser>(path);
+        parser->setWorkerCount(m_workers);
+        return std::unique_ptr<AbstractLogParser>(std::move(parser));
+    });
+    history.count();
+    MapForCounts counts;
+    for (AbstractLogParser *parser : history.parsers()) {
+        const MapForCounts part = static_cast<SummaryParser *>(parser)->countForSummary();
+        for (auto priority = part.cbegin(); priority != part.cend(); ++priority) {
+            for (auto source = priority.value().cbegin(); source != priority.value().cend(); ++source) {
+                WindowCounts &into = counts[priority.key()][source.key()];
+                into.hour += source.value().hour;
+                into.day += source.value().day;
+                into.week += source.value().week;
+            }
+        }
+    }
+    writeSummary(counts);
     return Success;
 }
 
-int Cli::goTo(const QString &path, const QDateTime &time)
+template<typename Reader>
+int Cli::goTo(Reader &reader, const QDateTime &time)
 {
-    const std::unique_ptr<AbstractLogParser> parser = makeParser(path);
-    if (parser->count() < 0)
+    if (reader.count() < 0)
         return fileError(QStringLiteral("cannot open %1").arg(m_displayPath));
-    const int row = parser->rowAtTime(time);
+    const int row = reader.rowAtTime(time);
     if (row < 0)
         return FileError;
     write(QByteArray::number(row + 1) + '\n');
     return Success;
 }
 
-int Cli::timeline(const QString &path, AbstractLogParser::TimelineBucket bucket)
+template<typename Reader>
+int Cli::timeline(Reader &reader, AbstractLogParser::TimelineBucket bucket)
 {
-    const std::unique_ptr<AbstractLogParser> parser = makeParser(path);
-    parser->setTimelineEnabled(true);
-    if (parser->count() < 0)
+    reader.setTimelineEnabled(true);
+    if (reader.count() < 0)
         return fileError(QStringLiteral("cannot open %1").arg(m_displayPath));
-    for (const AbstractLogParser::TimelineEntry &entry : parser->timeline(bucket)) {
+    for (const AbstractLogParser::TimelineEntry &entry : reader.timeline(bucket)) {
         QByteArray line = QDateTime::fromMSecsSinceEpoch(entry.startMsecs, Qt::UTC).toString(Qt::ISODate).toLatin1();
         line += '\t' + QByteArray::number(entry.total);
         for (const qint64 n : entry.byPriority)
@@ -350,9 +420,10 @@ int Cli::timeline(const QString &path, AbstractLogParser::TimelineBucket bucket)
     return Success;
 }
 
-int Cli::page(const QString &path, qint64 pageNumber, qint64 perPage)
+template<typename Reader>
+int Cli::page(Reader &reader, qint64 pageNumber, qint64 perPage)
 {
-    const std::unique_ptr<AbstractLogParser> parser = makeParser(path);
+    Reader *parser = &reader;
     const int total = parser->count();
     if (total < 0)
         return fileError(QStringLiteral("cannot open %1").arg(m_displayPath));
