@@ -4,6 +4,7 @@
 
 #include "Event.h"
 #include "EventGenerator.h"
+#include "HighlightDelegate.h"
 #include "TextViewWindow.h"
 
 #include <QDebug>
@@ -46,9 +47,12 @@ int fittingLength(QPainter &painter, const QString &text, int width, int height)
 }
 }
 
-DetailsWindow::DetailsWindow(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::DetailsWindow>())
+DetailsWindow::DetailsWindow(QWidget *parent)
+    : QDialog(parent), ui(std::make_unique<Ui::DetailsWindow>()), m_highlight(new HighlightDelegate(this))
 {
     ui->setupUi(this);
+    // Labels are not searched by the filter; only the values can hold its keyword.
+    ui->eventTable->setItemDelegateForColumn(1, m_highlight);
     ui->eventTable->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     connect(ui->eventTable->horizontalHeader(), &QHeaderView::sectionResized, this, &DetailsWindow::fitRows);
     updateButtons();
@@ -76,6 +80,12 @@ void DetailsWindow::load(const EventGenerator *source, int position)
         if (request == m_request)
             fill(loaded, std::move(event));
     });
+}
+
+void DetailsWindow::setHighlight(const FilterPack &filter)
+{
+    m_highlight->setMatcher(KeywordMatcher(filter));
+    ui->eventTable->viewport()->update();
 }
 
 void DetailsWindow::fill(int position, std::unique_ptr<Event> event)

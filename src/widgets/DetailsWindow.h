@@ -10,6 +10,8 @@
 
 class Event;
 class EventGenerator;
+class FilterPack;
+class HighlightDelegate;
 class QPrinter;
 class TextViewWindow;
 
@@ -31,6 +33,8 @@ public:
     // when the tab's loader has read the line (eventShown()).
     void load(const EventGenerator *source, int position);
     int position() const { return m_position; }
+    // Marks the keyword of the filter of the tab the event comes from.
+    void setHighlight(const FilterPack &filter);
 
     // Paints the shown event onto a printer that is ready; false when the painter
     // could not be attached to it.
@@ -61,4 +65,5 @@ private:
     // The shown event's rows in display order, for printing.
     QVector<QPair<QString, QString>> m_rows;
     TextViewWindow *m_textView = nullptr;
+    HighlightDelegate *m_highlight;
 };

@@ -1,10 +1,13 @@
 #include "EventsView.h"
 
+#include "HighlightDelegate.h"
+
 #include <QHeaderView>
 #include <QKeyEvent>
 
-EventsView::EventsView(QWidget *parent) : QTableView(parent)
+EventsView::EventsView(QWidget *parent) : QTableView(parent), m_highlight(new HighlightDelegate(this))
 {
+    setItemDelegate(m_highlight);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setAlternatingRowColors(true);
@@ -16,6 +19,12 @@ EventsView::EventsView(QWidget *parent) : QTableView(parent)
     verticalHeader()->setVisible(false);
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
+}
+
+void EventsView::setHighlight(const FilterPack &filter)
+{
+    m_highlight->setMatcher(KeywordMatcher(filter));
+    viewport()->update();
 }
 
 void EventsView::moveEvent(QMoveEvent *event)

@@ -2,6 +2,9 @@
 
 #include <QTableView>
 
+class FilterPack;
+class HighlightDelegate;
+
 // The events table. Tells its owner where it is, so that the loading overlay can
 // cover it, and asks for details on Return/Enter.
 class EventsView : public QTableView
@@ -9,6 +12,9 @@ class EventsView : public QTableView
     Q_OBJECT
 public:
     explicit EventsView(QWidget *parent = nullptr);
+
+    // Marks the filter's keyword in the cells; a pack without a keyword marks nothing.
+    void setHighlight(const FilterPack &filter);
 
 Q_SIGNALS:
     void geometryChanged(int x, int y, int width, int height);
@@ -18,4 +24,7 @@ protected:
     void moveEvent(QMoveEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    HighlightDelegate *m_highlight;
 };

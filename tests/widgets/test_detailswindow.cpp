@@ -1,6 +1,8 @@
 #include "AsyncLoader.h"
 #include "DetailsWindow.h"
 #include "EventGenerator.h"
+#include "FilterPack.h"
+#include "HighlightProbe.h"
 #include "LogParser.h"
 #include "NimbTestMain.h"
 #include "TextViewWindow.h"
@@ -292,6 +294,40 @@ private slots:
         QTRY_VERIFY(view->isVisible());
         QCOMPARE(text->toPlainText(), QStringLiteral("user%1").arg(kLongValueEvent));
         QCOMPARE(window.dialog.findChildren<TextViewWindow *>().size(), 1);
+    }
+
+    void keywordIsMarkedInValuesOnly()
+    {
+        Window window;
+        window.dialog.resize(700, 900);
+        highlight::usePlainPalette(window.table);
+        FilterPack filter;
+        filter.checkSearch = true;
+        filter.search = QStringLiteral("USER2");
+        filter.wholeWord = true;
+        window.dialog.setHighlight(filter);
+        QVERIFY(window.show(m_source->generator, 2));
+        const int user = views::rowOf(views::tableRows(window.table), QStringLiteral("User"));
+        QCOMPARE(highlight::markedRows(window.table, 1), QVector<int>{user});
+        QCOMPARE(highlight::markedRows(window.table, 0), QVector<int>());
+        QVERIFY(window.click(window.next, 3));
+        QCOMPARE(highlight::markedRows(window.table, 1), QVector<int>());
+        QVERIFY(window.click(window.prev, 2));
+        QCOMPARE(highlight::markedRows(window.table, 1), QVector<int>{user});
+        // "user2" is not a whole word of "user20".
+        QVERIFY(window.show(m_source->generator, 20));
+        QCOMPARE(highlight::markedRows(window.table, 1), QVector<int>());
+
+        filter.wholeWord = false;
+        window.dialog.setHighlight(filter);
+        QCOMPARE(highlight::markedRows(window.table, 1), QVector<int>{user});
+        filter.caseSensitive = true;
+        window.dialog.setHighlight(filter);
+        QCOMPARE(highlight::markedRows(window.table, 1), QVector<int>());
+        filter.caseSensitive = false;
+        filter.checkSearch = false;
+        window.dialog.setHighlight(filter);
+        QCOMPARE(highlight::markedRows(window.table, 1), QVector<int>());
     }
 
     void printsTheEventToPdf()
