@@ -31,6 +31,22 @@ namespace
 // Short counts and page loads (a followed journal growing, a page turned) finish
 // before the overlay would be noticed; it only appears for work that lasts.
 constexpr int kOverlayDelayMs = 150;
+// Beyond two weeks an hour's bar would be too thin to see or hit.
+constexpr qint64 kHourlySpanMs = 14 * 24 * 3600000LL;
+
+AbstractLogParser::TimelineBucket bucketFor(const std::vector<AbstractLogParser::TimelineEntry> &entries,
+                                            AbstractLogParser::TimelineBucket current)
+{
+    using Bucket = AbstractLogParser::TimelineBucket;
+    if (entries.empty())
+        return current;
+    const qint64 bucketMs = current == Bucket::Day ? 24 * 3600000LL : 3600000LL;
+    const qint64 span = entries.back().startMsecs + bucketMs - entries.front().startMsecs;
+    // Days span at least the hours they hold, so a tab never swings between the two.
+    if (current == Bucket::Hour)
+        return span > kHourlySpanMs ? Bucket::Day : Bucket::Hour;
+    return span <= kHourlySpanMs ? Bucket::Hour : Bucket::Day;
+}
 }
 
 LogWidget::LogWidget(const QString &path, const QList<QAction *> &contextActions, QWidget *parent)
@@ -90,6 +106,11 @@ void LogWidget::init(const QList<QAction *> &contextActions)
         }
     });
 
+    // On before the first count, so that one scan gives the count and the timeline.
+    m_parser->setTimelineEnabled(m_timelineShown);
+    ui->timelineWidget->setVisible(m_timelineShown);
+    connect(ui->timelineWidget, &TimelineWidget::barClicked, this, &LogWidget::goToTime);
+
     m_loader = std::make_unique<AsyncLoader>(m_parser.get());
     m_loader->moveToThread(&m_thread);
     m_generator = new EventGenerator(m_loader.get(), this);
@@ -101,6 +122,9 @@ void LogWidget::init(const QList<QAction *> &contextActions)
     connect(m_loader.get(), &AsyncLoader::loadFailed, this, &LogWidget::onLoadFailed);
     connect(m_loader.get(), &AsyncLoader::percentRead, this, &LogWidget::onPercentRead);
     connect(m_loader.get(), &AsyncLoader::unpackFinished, this, &LogWidget::onUnpackFinished);
+    connect(m_loader.get(), &AsyncLoader::timelineFinished, this,
+            [this](std::vector<AbstractLogParser::TimelineEntry> entries, int) { onTimelineFinished(std::move(entries)); });
+    connect(m_loader.get(), &AsyncLoader::rowAtTimeFound, this, &LogWidget::onRowAtTimeFound);
     m_thread.setObjectName(QStringLiteral("loader"));
     m_thread.start();
 
@@ -156,6 +180,11 @@ PageWidget *LogWidget::pageWidget() const
 BottomWidget *LogWidget::bottomWidget() const
 {
     return ui->bottomWidget;
+}
+
+TimelineWidget *LogWidget::timelineWidget() const
+{
+    return ui->timelineWidget;
 }
 
 template<typename Call>
@@ -279,6 +308,7 @@ void LogWidget::setFilter(const FilterPack &filter)
     ui->bottomWidget->showFilter(filter);
     ui->bottomWidget->showEventDetails(nullptr);
     m_model->clear();
+    ui->timelineWidget->clear();
     m_nextLoad.reset();
     auto *parser = static_cast<FilteringLogParser *>(m_parser.get());
     onLoaderThread([parser, filter] { parser->setFilter(filter); });
@@ -479,13 +509,21 @@ void LogWidget::onCountFinished(int count)
         const int pages = (count % perPage == 0 && full > 0) ? full : full + 1;
         const QScrollBar *bar = ui->eventsView->verticalScrollBar();
         const bool atBottom = ui->pageWidget->page() == ui->pageWidget->pagesCount() && bar->value() == bar->maximum();
+        const bool goingToRow = m_rowAfterCount >= 0 && m_rowAfterCount < count;
         m_updatingPages = true;
         ui->pageWidget->setPagesCount(pages);
-        if (m_following || atBottom)
+        if (goingToRow) {
+            ui->pageWidget->setPage(m_rowAfterCount / perPage + 1);
+            m_selectNumber = quint32(m_rowAfterCount) + 1;
+        } else if (m_following || atBottom) {
             ui->pageWidget->setPage(pages);
+        }
         m_updatingPages = false;
-        m_stickToBottom = m_following || atBottom;
+        m_rowAfterCount = -1;
+        m_stickToBottom = !goingToRow && (m_following || atBottom);
         requestPage(ui->pageWidget->page());
+        if (m_timelineShown)
+            requestTimeline();
     }
     if (m_countAgain) {
         m_countAgain = false;
@@ -553,6 +591,7 @@ void LogWidget::showPage(std::vector<Event *> events)
     else
         view->scrollToTop(); // another page is read from its first row
     m_stickToBottom = false;
+    selectPendingRow();
     showSelectedEvent();
 }
 
@@ -585,6 +624,115 @@ void LogWidget::onLoadFailed()
         setFeedback(message);
     }
     busyChanged(was);
+}
+
+void LogWidget::setTimelineVisible(bool visible)
+{
+    if (visible == m_timelineShown)
+        return;
+    m_timelineShown = visible;
+    ui->timelineWidget->setVisible(visible);
+    if (m_stopped)
+        return;
+    if (visible) {
+        // Its first request counts the journal again, this time with the hours.
+        if (m_count >= 0)
+            requestTimeline();
+        return;
+    }
+    ui->timelineWidget->clear();
+    AbstractLogParser *parser = m_parser.get();
+    onLoaderThread([parser] { parser->setTimelineEnabled(false); });
+}
+
+void LogWidget::requestTimeline()
+{
+    if (m_stopped || m_abandoned)
+        return;
+    if (m_pendingTimeline) {
+        m_timelineAgain = true;
+        return;
+    }
+    m_pendingTimeline = true;
+    AsyncLoader *loader = m_loader.get();
+    const int bucket = int(m_timelineBucket);
+    onLoaderThread([loader, bucket] { loader->asyncTimeline(bucket); });
+}
+
+void LogWidget::onTimelineFinished(std::vector<AbstractLogParser::TimelineEntry> entries)
+{
+    m_pendingTimeline = false;
+    if (m_stopped || m_abandoned || !m_timelineShown) {
+        m_timelineAgain = false;
+        return;
+    }
+    const AbstractLogParser::TimelineBucket wanted = bucketFor(entries, m_timelineBucket);
+    const bool again = m_timelineAgain || wanted != m_timelineBucket;
+    m_timelineAgain = false;
+    if (wanted == m_timelineBucket)
+        ui->timelineWidget->setEntries(std::move(entries), wanted);
+    m_timelineBucket = wanted;
+    if (again)
+        requestTimeline();
+}
+
+void LogWidget::goToTime(const QDateTime &time)
+{
+    if (m_stopped || m_abandoned || !m_readable || !time.isValid())
+        return;
+    AsyncLoader *loader = m_loader.get();
+    onLoaderThread([loader, time] { loader->asyncRowAtTime(time); });
+}
+
+void LogWidget::onRowAtTimeFound(const QDateTime &time, int row)
+{
+    if (m_stopped || m_abandoned)
+        return;
+    if (row < 0) {
+        setFeedback(tr("No event happened at or after %1.").arg(QLocale().toString(time.toLocalTime(), QLocale::LongFormat)));
+        return;
+    }
+    if (m_count >= 0)
+        setFeedback(tr("Events: %1").arg(m_count));
+    if (row >= m_count) {
+        // The journal grew since the last count: the pages must take the row in first.
+        m_rowAfterCount = row;
+        requestCount();
+        return;
+    }
+    showRow(row);
+}
+
+void LogWidget::showRow(int row)
+{
+    const int perPage = std::max(1, ConfigStore::instance().messagesPerPage());
+    const int page = row / perPage + 1;
+    m_selectNumber = quint32(row) + 1;
+    if (ui->pageWidget->page() != page) {
+        ui->pageWidget->setPage(page); // the page read selects the row
+        return;
+    }
+    if (!m_pendingLoad)
+        selectPendingRow();
+}
+
+bool LogWidget::selectPendingRow()
+{
+    const quint32 number = m_selectNumber;
+    m_selectNumber = 0;
+    if (number == 0)
+        return false;
+    for (int row = 0; row < m_model->rowCount(); ++row) {
+        if (m_model->event(row)->number != number)
+            continue;
+        EventsView *view = ui->eventsView;
+        const QModelIndex index = m_model->index(row, 0);
+        view->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        view->scrollTo(index, QAbstractItemView::PositionAtCenter);
+        view->setFocus();
+        return true;
+    }
+    return false;
 }
 
 void LogWidget::onPercentRead(int percent)

@@ -2,7 +2,9 @@
 
 #include "CompressedLogFile.h"
 #include "FilterPack.h"
+#include "TimelineWidget.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QSet>
 #include <QString>
@@ -95,6 +97,16 @@ public:
     AsyncLoader *loader() const { return m_loader.get(); }
 
     void setBottomVisible(bool visible);
+    // The strip of events per hour or day above the table. While it is hidden its
+    // counts are not kept, which spares every count of the tab that work.
+    void setTimelineVisible(bool visible);
+    bool isTimelineVisible() const { return m_timelineShown; }
+    TimelineWidget *timelineWidget() const;
+
+    // Shows the page of the first event, in file order, whose time is at or after
+    // `time`, with that event selected; the search runs on the loader thread. When
+    // there is none the feedback says so.
+    void goToTime(const QDateTime &time);
     // Shows the fixed columns and exactly the auxiliary columns of these kinds and
     // custom parameter names.
     void setVisibleColumns(const QSet<int> &auxTypes, const QSet<QString> &customNames);
@@ -153,6 +165,12 @@ private:
     void showPage(std::vector<Event *> events);
     void fitShortColumns();
     void onLoadFailed();
+    void requestTimeline();
+    void onTimelineFinished(std::vector<AbstractLogParser::TimelineEntry> entries);
+    void onRowAtTimeFound(const QDateTime &time, int row);
+    // Turns to the page of a shown row and selects it once that page is on screen.
+    void showRow(int row);
+    bool selectPendingRow();
     void onPercentRead(int percent);
     // The bottom panel follows the selection, whichever way it was made.
     void showSelectedEvent();
@@ -199,4 +217,12 @@ private:
     // The next page shown is scrolled to its end (the newest events).
     bool m_stickToBottom = false;
     bool m_columnsSized = false;
+    bool m_timelineShown = true;
+    bool m_pendingTimeline = false;
+    bool m_timelineAgain = false;
+    AbstractLogParser::TimelineBucket m_timelineBucket = AbstractLogParser::TimelineBucket::Hour;
+    // A row found by time beyond the last count waits for the count that takes it in.
+    int m_rowAfterCount = -1;
+    // The event (by number) to select when its page is shown; 0 for none.
+    quint32 m_selectNumber = 0;
 };
