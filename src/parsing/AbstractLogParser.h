@@ -32,6 +32,9 @@ class QIODevice;
 //
 // Scans, counts and loads run on one thread (the loader's). hideCounted(), showAll(),
 // setStopFlag(), positionCount() and the filter setter may be called from any thread.
+//
+// The operations a loader runs are virtual, so that something made of several parsers
+// can stand in for one.
 class AbstractLogParser : public QObject
 {
     Q_OBJECT
@@ -42,7 +45,7 @@ public:
     QString filePath() const { return m_filePath; }
 
     // Counted lines less the hidden ones, or -1 when the file cannot be opened.
-    int count();
+    virtual int count();
     // What the file test found, worst first for the user.
     enum class FileCheck {
         Journal,
@@ -56,7 +59,7 @@ public:
     // non-empty JSON object. A positive answer is remembered for the same file as long
     // as it keeps the line that proved it, so that a followed journal's every change
     // costs an open instead of a parse. On the thread that scans.
-    FileCheck checkFile();
+    virtual FileCheck checkFile();
     bool isJournal() { return checkFile() == FileCheck::Journal; }
 
     // From the first file test that finds a journal on, keeps reading that very file
@@ -67,10 +70,10 @@ public:
     // On the thread that owns both parsers, while no scan of this one runs.
     void pinSameFileAs(const AbstractLogParser &other);
 
-    std::unique_ptr<Event> loadSingle(int index);
-    std::string loadSingleString(int index);
+    virtual std::unique_ptr<Event> loadSingle(int index);
+    virtual std::string loadSingleString(int index);
     // Events of rows first .. first+n-1, numbered first+1 ...; false when the file cannot be opened.
-    std::pair<bool, std::vector<Event *>> load(int first, int n);
+    virtual std::pair<bool, std::vector<Event *>> load(int first, int n);
     std::pair<bool, std::vector<Event *>> loadAll();
 
     // Hide every line counted so far / show them all again.
@@ -78,7 +81,7 @@ public:
     void showAll();
     int indexBase() const { return m_indexBase.load(std::memory_order_relaxed); }
 
-    void setStopFlag(bool stop) { m_stop.store(stop, std::memory_order_relaxed); }
+    virtual void setStopFlag(bool stop) { m_stop.store(stop, std::memory_order_relaxed); }
     bool stopRequested() const { return m_stop.load(std::memory_order_relaxed); }
 
     // Number of recorded positions, hidden ones included.
@@ -103,7 +106,7 @@ public:
     void setTimeMarksEnabled(bool enabled);
     // Counting also counts the events per UTC hour and priority for timeline(). Off until
     // turned on; turning it on after a count makes the next scan read the file again.
-    void setTimelineEnabled(bool enabled);
+    virtual void setTimelineEnabled(bool enabled);
     bool timelineEnabled() const { return m_timelineWanted.load(std::memory_order_relaxed); }
 
     // The shown row of the first counted event in file order whose time is at or after
@@ -111,7 +114,7 @@ public:
     // the stop flag ended the search. Events whose time is not a valid date-time are
     // never found. Takes in growth first, as load() does; without time marks the file is
     // counted again with them. On the thread that scans.
-    int rowAtTime(const QDateTime &time);
+    virtual int rowAtTime(const QDateTime &time);
 
     enum class TimelineBucket { Hour, Day };
     struct TimelineEntry {
@@ -123,7 +126,7 @@ public:
     // Events whose time is not a valid date-time are in no bucket. Empty while the
     // timeline is off or before a count with it. On the thread that scans (rows hidden
     // since a full rescan may have to be read again).
-    std::vector<TimelineEntry> timeline(TimelineBucket bucket);
+    virtual std::vector<TimelineEntry> timeline(TimelineBucket bucket);
 
 Q_SIGNALS:
     void percentRead(int percent);

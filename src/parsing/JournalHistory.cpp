@@ -87,30 +87,56 @@ void JournalHistory::refresh()
         identities.push_back(identityOf(path));
     if (paths == m_listed && identities == m_identities && !m_parts.empty())
         return;
-    // A rotation renamed the files: what each name holds now is unknown.
-    std::lock_guard<std::mutex> lock(m_mutex);
-    m_listed = paths;
-    m_identities = identities;
-    m_parts.clear();
-    m_failures.clear();
+    // A rotation renamed the files: what each name holds now is unknown. Unpacking may
+    // take long, so the lock is only taken around what the stop flag reads.
+    std::vector<std::unique_ptr<Part>> parts;
+    QStringList failures;
+    bool stopped = false;
+    const int rotations = std::max(1, int(paths.size()) - int(paths.contains(m_livePath)));
+    int unpacked = 0;
     for (const QString &path : paths) {
         auto part = std::make_unique<Part>();
         part->path = path;
         if (path != m_livePath) {
-            part->file = std::make_unique<CompressedLogFile>(path);
-            if (!part->file->unpack()) {
-                m_failures.append(path);
+            auto file = std::make_unique<CompressedLogFile>(path);
+            {
+                std::lock_guard<std::mutex> lock(m_mutex);
+                stopped = m_stop;
+                m_unpacking = file.get();
+            }
+            const bool ready = !stopped && file->unpack([this, unpacked, rotations](int percent) {
+                Q_EMIT percentRead((unpacked * 100 + percent) / rotations);
+            });
+            {
+                std::lock_guard<std::mutex> lock(m_mutex);
+                m_unpacking = nullptr;
+            }
+            ++unpacked;
+            if (stopped || file->state() == CompressedLogFile::State::Stopped) {
+                stopped = true;
+                break;
+            }
+            if (!ready) {
+                failures.append(path);
                 continue;
             }
+            part->file = std::move(file);
         }
         const QString readable = part->file ? part->file->readablePath() : path;
         part->parser = m_makeParser(readable);
         part->size = QFileInfo(readable).size();
-        part->before = m_parts.empty() ? 0 : m_parts.back()->before + m_parts.back()->size;
+        part->before = parts.empty() ? 0 : parts.back()->before + parts.back()->size;
         part->parser->setTimelineEnabled(m_timeline);
-        part->parser->setStopFlag(m_stop);
-        m_parts.push_back(std::move(part));
+        parts.push_back(std::move(part));
     }
+    std::lock_guard<std::mutex> lock(m_mutex);
+    // A stopped unpacking leaves the history to be listed again by the next call.
+    m_listed = stopped ? QStringList() : paths;
+    m_identities = stopped ? decltype(identities)() : identities;
+    m_parts = std::move(parts);
+    m_failures = failures;
+    for (const auto &part : m_parts)
+        part->parser->setStopFlag(m_stop);
 }
 
 QStringList JournalHistory::partPaths() const
@@ -182,6 +208,30 @@ std::pair<bool, std::vector<Event *>> JournalHistory::load(int first, int n)
     return {true, std::move(events)};
 }
 
+std::unique_ptr<Event> JournalHistory::loadSingle(int index)
+{
+    int within = 0;
+    Part *part = partOf(index, &within);
+    std::unique_ptr<Event> event = part ? part->parser->loadSingle(within) : nullptr;
+    if (event)
+        event->number += quint32(index - within);
+    return event;
+}
+
+AbstractLogParser::FileCheck JournalHistory::checkFile()
+{
+    refresh();
+    AbstractLogParser::FileCheck live = AbstractLogParser::FileCheck::Missing;
+    for (const auto &part : m_parts) {
+        const AbstractLogParser::FileCheck check = part->parser->checkFile();
+        if (check == AbstractLogParser::FileCheck::Journal)
+            return check;
+        if (part->path == m_livePath)
+            live = check;
+    }
+    return live;
+}
+
 std::string JournalHistory::loadSingleString(int index)
 {
     int within = 0;
@@ -233,6 +283,8 @@ void JournalHistory::setStopFlag(bool stop)
     m_stop = stop;
     for (const auto &part : m_parts)
         part->parser->setStopFlag(stop);
+    if (stop && m_unpacking)
+        m_unpacking->requestStop();
 }
 
 std::vector<AbstractLogParser *> JournalHistory::parsers() const

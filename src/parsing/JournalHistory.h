@@ -41,13 +41,19 @@ public:
     // one counts: the other is still being written by the rotation.
     static QStringList files(const QString &livePath);
 
+    // Compressed rotations are unpacked by the first count() and after every rotation,
+    // within CompressedLogFile's limits, each sending percentRead as it goes before the
+    // reading sends its own; the stop flag ends an unpacking soon after.
     // The events of the whole history, or -1 when none of its files can be opened.
     int count();
     // Rows as the parsers' (numbered first + 1 ...), over file boundaries; the counts of
     // the last count() place them.
     std::pair<bool, std::vector<Event *>> load(int first, int n);
+    std::unique_ptr<Event> loadSingle(int index);
     std::string loadSingleString(int index);
     int rowAtTime(const QDateTime &time);
+    // A journal when any of the files is one; otherwise what the live file is.
+    AbstractLogParser::FileCheck checkFile();
     std::vector<AbstractLogParser::TimelineEntry> timeline(AbstractLogParser::TimelineBucket bucket);
     void setTimelineEnabled(bool enabled);
     void setStopFlag(bool stop);
@@ -78,4 +84,6 @@ private:
     // Guards the list of parts against setStopFlag() from other threads.
     std::mutex m_mutex;
     bool m_stop = false;
+    // The rotation being unpacked, for the stop flag; under the mutex.
+    CompressedLogFile *m_unpacking = nullptr;
 };
