@@ -1,7 +1,6 @@
 #include "MainWindow.h"
 
 #include "AppLogging.h"
-#include "AuxParRegistry.h"
 #include "ColumnChooser.h"
 #include "ConfigHandler.h"
 #include "DetailsWindow.h"
@@ -121,15 +120,15 @@ void MainWindow::createDialogs()
 
     m_summaryDialog = new SummaryDialog(m_config->store().mainLogPath(), this);
     m_summaryDialog->setWindowModality(Qt::WindowModal);
-    connect(m_summaryDialog, &SummaryDialog::filterRequest, this, &MainWindow::filterFromSummary);
+    connect(m_summaryDialog, &SummaryDialog::filterRequest, this, [this](Event::Priority priority, const QString &source) {
+        applyFilter(SummaryDialog::filterFor(priority, source));
+    });
 
     m_printer = new EventsPrinter(this);
     m_printerDialog = new PrinterDialog(this);
-    m_printerDialog->setWindowTitle(tr("Print events"));
     connect(m_printerDialog, &PrinterDialog::printEvents, this, &MainWindow::print);
 
     m_exportDialog = new ExportDialog(this);
-    m_exportDialog->setWindowTitle(tr("Export events"));
     connect(m_exportDialog, &ExportDialog::exportEvents, this, &MainWindow::exportEvents);
 
     m_copier = new EventsDataCopier(this);
@@ -708,16 +707,6 @@ void MainWindow::settingsChanged()
     }
 }
 
-void MainWindow::filterFromSummary(Event::Priority priority, const QString &source)
-{
-    FilterPack filter;
-    filter.checkPriorities = true;
-    filter.priorities = {static_cast<int>(priority)};
-    if (!source.isEmpty())
-        filter.auxConditions.insert(AuxParRegistry::instance().typeOf(QStringLiteral("source")), source);
-    applyFilter(filter);
-}
-
 void MainWindow::clearTableClicked()
 {
     if (LogWidget *tab = currentLog()) {
@@ -820,11 +809,7 @@ void MainWindow::printClicked()
     if (!tab || !tab->isReadable() || tab->isLoading() || m_printer->isPrinting())
         return;
     m_printTab = tab;
-    const bool selected = !tab->selectedEvents().isEmpty();
-    m_printerDialog->setSelectionAvailable(selected);
-    m_printerDialog->setFilter(selected ? PrinterDialog::SelectedEvents : PrinterDialog::CurrentPage);
-    m_printerDialog->show();
-    m_printerDialog->raise();
+    offerChoice(m_printerDialog, tab);
 }
 
 void MainWindow::exportClicked()
@@ -833,11 +818,17 @@ void MainWindow::exportClicked()
     if (!tab || !tab->isReadable() || tab->isLoading())
         return;
     m_exportTab = tab;
+    offerChoice(m_exportDialog, tab);
+}
+
+void MainWindow::offerChoice(EventsChoiceDialog *dialog, const LogWidget *tab)
+{
+    // The selection when there is one, the page the user sees otherwise.
     const bool selected = !tab->selectedEvents().isEmpty();
-    m_exportDialog->setSelectionAvailable(selected);
-    m_exportDialog->setFilter(selected ? ExportDialog::SelectedEvents : ExportDialog::CurrentPage);
-    m_exportDialog->show();
-    m_exportDialog->raise();
+    dialog->setSelectionAvailable(selected);
+    dialog->setFilter(selected ? EventsChoiceDialog::SelectedEvents : EventsChoiceDialog::CurrentPage);
+    dialog->show();
+    dialog->raise();
 }
 
 EventsSelection MainWindow::selectionFor(LogWidget *tab, int filter) const

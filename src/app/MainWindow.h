@@ -69,7 +69,6 @@ public Q_SLOTS:
     void showEventDetails(const EventGenerator *generator, int position);
     void selectionChanged(bool selected);
     void settingsChanged();
-    void filterFromSummary(Event::Priority priority, const QString &source);
 
 protected:
     // Status tips of hovered entries; the window's own feedback stays.
@@ -130,6 +129,7 @@ private:
     void filterClicked();
     void printClicked();
     void exportClicked();
+    void offerChoice(EventsChoiceDialog *dialog, const LogWidget *tab);
     void logInfoClicked();
 
     // What an export or print job covers, gathered on this thread.

@@ -1,53 +1,18 @@
 #include "PrinterDialog.h"
 
-#include "ui_PrinterDialog.h"
-
 #include <QMessageBox>
+#include <QRadioButton>
 
 PrinterDialog::PrinterDialog(QWidget *parent)
-    : QDialog(parent)
-    , ui(std::make_unique<Ui::PrinterDialog>())
+    : EventsChoiceDialog(QStringLiteral("print"), tr("Print"), parent)
 {
-    ui->setupUi(this);
+    setWindowTitle(tr("Print events"));
+    connect(allButton(), &QRadioButton::clicked, this, &PrinterDialog::on_printAllButton_clicked);
 }
 
-PrinterDialog::~PrinterDialog() = default;
-
-void PrinterDialog::setFilter(int filter)
+void PrinterDialog::chosen(Choice choice)
 {
-    if (filter == AllEvents)
-        ui->printAllButton->setChecked(true);
-    else if (filter == SelectedEvents)
-        ui->printSelectedButton->setChecked(true);
-    else
-        ui->printCurrentPageButton->setChecked(true);
-}
-
-void PrinterDialog::setSelectionAvailable(bool available)
-{
-    ui->printSelectedButton->setEnabled(available);
-    if (!available && ui->printSelectedButton->isChecked())
-        ui->printCurrentPageButton->setChecked(true);
-}
-
-PrinterDialog::PrintFilter PrinterDialog::filter() const
-{
-    if (ui->printCurrentPageButton->isChecked())
-        return CurrentPage;
-    if (ui->printSelectedButton->isChecked())
-        return SelectedEvents;
-    return AllEvents;
-}
-
-void PrinterDialog::on_printButton_clicked()
-{
-    hide();
-    Q_EMIT printEvents(filter());
-}
-
-void PrinterDialog::on_cancelButton_clicked()
-{
-    close();
+    Q_EMIT printEvents(PrintFilter(choice));
 }
 
 void PrinterDialog::on_printAllButton_clicked()

@@ -1,46 +1,31 @@
 #pragma once
 
-#include <QDialog>
-
-#include <memory>
-
-namespace Ui
-{
-class PrinterDialog;
-}
+#include "EventsChoiceDialog.h"
 
 // Asks which events to print; choosing all of them first shows a warning.
-class PrinterDialog : public QDialog
+class PrinterDialog : public EventsChoiceDialog
 {
     Q_OBJECT
 public:
     enum PrintFilter {
-        AllEvents = 0,
-        CurrentPage = 1,
-        SelectedEvents = 2,
+        AllEvents = EventsChoiceDialog::AllEvents,
+        CurrentPage = EventsChoiceDialog::CurrentPage,
+        SelectedEvents = EventsChoiceDialog::SelectedEvents,
     };
     Q_ENUM(PrintFilter)
 
     explicit PrinterDialog(QWidget *parent = nullptr);
-    ~PrinterDialog() override;
 
-    // 0 checks "all", 2 "selected", any other value "current page".
-    void setFilter(int filter);
-    // Without a selection its choice is offered disabled; when it was the choice,
-    // the current page is chosen instead.
-    void setSelectionAvailable(bool available);
-    PrintFilter filter() const;
+    PrintFilter filter() const { return PrintFilter(choice()); }
 
 Q_SIGNALS:
     void printEvents(PrinterDialog::PrintFilter filter);
 
-private Q_SLOTS:
-    void on_printButton_clicked();
-    void on_cancelButton_clicked();
-    void on_printAllButton_clicked();
+protected:
+    void chosen(Choice choice) override;
 
-private:
-    std::unique_ptr<Ui::PrinterDialog> ui;
+private Q_SLOTS:
+    void on_printAllButton_clicked();
 };
 
 Q_DECLARE_METATYPE(PrinterDialog::PrintFilter)

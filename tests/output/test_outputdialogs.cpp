@@ -48,6 +48,7 @@ template<typename Dialog, typename Signal>
 void checkChoices(Dialog &dialog, const Names &names, Signal signal)
 {
     QSignalSpy spy(&dialog, signal);
+    QCOMPARE(dialog.windowModality(), Qt::WindowModal);
     QCOMPARE(radio(dialog, names.page)->text(), QStringLiteral("current page messages"));
     QCOMPARE(radio(dialog, names.selected)->text(), QStringLiteral("selected messages"));
     QCOMPARE(radio(dialog, names.all)->text(), QStringLiteral("all events"));
@@ -103,6 +104,7 @@ private slots:
     void exportDialog()
     {
         ExportDialog dialog;
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Export events"));
         QCOMPARE(push(dialog, "exportButton")->text(), QStringLiteral("Export"));
         checkChoices(dialog, kExport, &ExportDialog::exportEvents);
     }
@@ -110,6 +112,8 @@ private slots:
     void printerDialog()
     {
         PrinterDialog dialog;
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Print events"));
+        QCOMPARE(push(dialog, "printButton")->text(), QStringLiteral("Print"));
         checkChoices(dialog, kPrint, &PrinterDialog::printEvents);
     }
 
