@@ -11,8 +11,8 @@ namespace Ui
 class JournalSettings;
 }
 
-// Edits the main log path and the page size of the configuration store. Accepted
-// values are written to the settings file at once.
+// Edits the main log path and the page size of the configuration store; modal.
+// Accepted values are written to the settings file at once.
 class JournalSettings : public QDialog
 {
     Q_OBJECT
