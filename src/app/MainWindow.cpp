@@ -15,6 +15,7 @@
 #include "LogInfoWindow.h"
 #include "NotificationController.h"
 #include "OutputProgress.h"
+#include "PrintedFile.h"
 #include "SummaryDialog.h"
 #include "AbstractLogParser.h"
 #include "LogWidget.h"
@@ -32,6 +33,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMouseEvent>
 #include <QPrintDialog>
 #include <QThread>
@@ -56,6 +58,10 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(std::make_uniq
 
     m_config = new ConfigHandler(this);
     m_config->readConfig();
+    connect(m_config, &ConfigHandler::writeFailed, this, [this](const QString &path, const QString &reason) {
+        tellFailure(tr("Application settings"),
+                    tr("The settings could not be saved to %1.").arg(QDir::toNativeSeparators(path)), reason);
+    });
 
     createStatusBar();
     createDialogs();
@@ -842,7 +848,8 @@ EventsSelection MainWindow::selectionFor(LogWidget *tab, int filter) const
 
 template<typename Work>
 void MainWindow::runJob(LogWidget *tab, Work work, std::function<QString(int)> progressText,
-                        std::function<QString(int)> doneText)
+                        std::function<QString(int)> doneText, const QString &failureTitle,
+                        const QString &failureText)
 {
     auto *progress = new OutputProgress;
     QThread *thread = QThread::create([work = std::move(work), progress, tab]() mutable {
@@ -861,15 +868,19 @@ void MainWindow::runJob(LogWidget *tab, Work work, std::function<QString(int)> p
         if (currentLog() == tab)
             setFeedbackMessage();
     });
-    connect(thread, &QThread::finished, this, [this, tab, thread, progress, doneText = std::move(doneText)] {
-        if (m_jobs.value(tab).progress == progress)
-            m_jobs.remove(tab);
-        setFeedbackMessage();
-        const QString done = doneText(progress->outcome());
-        if (!done.isEmpty())
-            showStatus(done);
-        thread->deleteLater();
-    });
+    connect(thread, &QThread::finished, this,
+            [this, tab, thread, progress, doneText = std::move(doneText), failureTitle, failureText] {
+                if (m_jobs.value(tab).progress == progress)
+                    m_jobs.remove(tab);
+                setFeedbackMessage();
+                const QString done = doneText(progress->outcome());
+                if (!done.isEmpty())
+                    showStatus(done);
+                const QString reason = progress->failure();
+                if (progress->outcome() < 0 && !reason.isEmpty())
+                    tellFailure(failureTitle, failureText, reason);
+                thread->deleteLater();
+            });
     thread->start();
 }
 
@@ -881,14 +892,17 @@ void MainWindow::print(PrinterDialog::PrintFilter filter)
     QPrintDialog dialog(m_printer->printer(), this);
     if (dialog.exec() != QDialog::Accepted || !stillOpen(tab))
         return;
+    const QString target = QDir::toNativeSeparators(PrintedFile(*m_printer->printer()).target());
     runJob(
         tab,
         [printer = m_printer, selection = selectionFor(tab, filter)](OutputProgress *progress) {
             printer->print(selection, progress);
         },
         [](int percent) { return tr("Printing… %1 %").arg(percent); },
-        // A printer that cannot be drawn on goes to the debug log only.
-        [](int printed) { return printed < 0 ? QString() : tr("Printed %n events.", "", printed); });
+        // A printer that cannot be drawn on goes to the debug log only; a file that
+        // cannot be written is told.
+        [](int printed) { return printed < 0 ? QString() : tr("Printed %n events.", "", printed); },
+        tr("Print events"), tr("The events could not be printed to %1.").arg(target));
 }
 
 void MainWindow::exportEvents(ExportDialog::ExportFilter filter)
@@ -911,5 +925,16 @@ void MainWindow::exportEvents(ExportDialog::ExportFilter filter)
         [shownPath](int written) {
             return written < 0 ? tr("Could not write to %1.").arg(shownPath)
                                : tr("Exported %n events to %1.", "", written).arg(shownPath);
-        });
+        },
+        tr("Export events"), tr("The events could not be exported to %1.").arg(shownPath));
+}
+
+void MainWindow::tellFailure(const QString &title, const QString &text, const QString &reason)
+{
+    // Not waited for: a failure told while another dialog is open neither blocks the
+    // job that ends next nor the dialog.
+    auto *box = new QMessageBox(QMessageBox::Critical, title, text, QMessageBox::Ok, this);
+    box->setInformativeText(reason);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }

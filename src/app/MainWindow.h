@@ -136,10 +136,13 @@ private:
     EventsSelection selectionFor(LogWidget *tab, int filter) const;
     // Runs `work` on a thread of its own while the tab is held busy; the job's
     // last step releases the tab. While it runs the status bar says
-    // `progressText(percent)`; at its end `doneText(outcome)`, unless empty.
+    // `progressText(percent)`; at its end `doneText(outcome)`, unless empty. A file
+    // the job could not write is told in a message box: `failureText`, and the reason.
     template<typename Work>
     void runJob(LogWidget *tab, Work work, std::function<QString(int)> progressText,
-                std::function<QString(int)> doneText);
+                std::function<QString(int)> doneText, const QString &failureTitle, const QString &failureText);
+    // A message box, not the status bar alone: what failed, and why.
+    void tellFailure(const QString &title, const QString &text, const QString &reason);
 
     std::unique_ptr<Ui::MainWindow> ui;
     ConfigHandler *m_config = nullptr;

@@ -6,8 +6,13 @@
 #include "SystemPaths.h"
 
 #include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTimeZone>
 
 #include <algorithm>
@@ -348,19 +353,87 @@ void ConfigHandler::readConfig()
     readFilters(settings);
 }
 
-void ConfigHandler::writeConfig()
+// The file QSettings reads for the user, also where QSettings::setPath moved it. Asked
+// of a name no file has, so that the user's file is not parsed before its guard ran.
+static QString userSettingsFile()
 {
-    SettingsFileGuard::dropUnsafeLines(settingsFilePath());
-    QSettings settings(QSettings::NativeFormat, QSettings::UserScope, organizationName(), applicationName());
-    forgetDamagedFile(settings);
-    writeWindow(settings);
-    writeVisibleColumns(settings);
-    writeApplicationSettings(settings);
-    writeRecentFiles(settings);
-    writeFavorites(settings);
-    writeFilters(settings);
-    settings.sync();
+    const QSettings probe(QSettings::NativeFormat, QSettings::UserScope, ConfigHandler::organizationName(),
+                          ConfigHandler::applicationName() + QStringLiteral("-location"));
+    return QFileInfo(probe.fileName()).absolutePath() + QLatin1Char('/') + ConfigHandler::applicationName()
+        + QStringLiteral(".conf");
+}
+
+bool ConfigHandler::writeConfig()
+{
+    const QString path = userSettingsFile();
+    const QByteArray earlier = SettingsFileGuard::safeContent(SettingsFileGuard::readFile(path));
+    QByteArray content;
+    QString error;
+    const bool written = draftFile(earlier, &content, &error) && SettingsFileGuard::replaceFile(path, content, &error);
+    if (!written)
+        qWarning("The settings could not be saved to %s: %s", qPrintable(path), qPrintable(error));
     emit configWritten();
+    if (!written)
+        emit writeFailed(path, error);
+    return written;
+}
+
+// Qt's settings writer reports success for a file whose last write was cut short (a
+// full disk), and the cut file replaces the earlier one. It therefore writes a draft in
+// a folder of its own, which is read back under a name Qt has not cached and compared
+// with what was meant before its bytes go anywhere near the user's file.
+bool ConfigHandler::draftFile(const QByteArray &earlier, QByteArray *content, QString *error) const
+{
+    const QString cutShort = tr("The settings could not be written in full to a temporary file.");
+    QTemporaryDir scratch(QDir::tempPath() + QStringLiteral("/nimb-event-viewer-XXXXXX"));
+    if (!scratch.isValid()) {
+        *error = scratch.errorString();
+        return false;
+    }
+    const QString draft = scratch.filePath(QStringLiteral("draft.conf"));
+    if (!SettingsFileGuard::replaceFile(draft, earlier, error))
+        return false;
+    QHash<QString, QVariant> meant;
+    {
+        QSettings settings(draft, QSettings::NativeFormat);
+        forgetDamagedFile(settings);
+        writeWindow(settings);
+        writeVisibleColumns(settings);
+        writeApplicationSettings(settings);
+        writeRecentFiles(settings);
+        writeFavorites(settings);
+        writeFilters(settings);
+        settings.sync();
+        // A format error is the earlier file's, and Qt writes the file all the same.
+        if (settings.status() == QSettings::AccessError) {
+            *error = cutShort;
+            return false;
+        }
+        const QStringList keys = settings.allKeys();
+        for (const QString &key : keys)
+            meant.insert(key, settings.value(key));
+    }
+    const QString check = scratch.filePath(QStringLiteral("check.conf"));
+    bool whole = QFile::rename(draft, check);
+    if (whole) {
+        const QSettings settings(check, QSettings::NativeFormat);
+        for (auto it = meant.cbegin(); whole && it != meant.cend(); ++it) {
+            const QVariant read = settings.value(it.key());
+            // The file holds text: a number or a flag reads back as its text.
+            whole = read == it.value() || (read.isValid() && read.toString() == it.value().toString());
+        }
+    }
+    if (!whole) {
+        *error = cutShort;
+        return false;
+    }
+    QFile file(check);
+    if (!file.open(QIODevice::ReadOnly)) {
+        *error = file.errorString();
+        return false;
+    }
+    *content = file.readAll();
+    return true;
 }
 
 void ConfigHandler::readWindow(QSettings &settings)

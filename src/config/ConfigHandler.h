@@ -24,9 +24,12 @@ public:
     // Replaces the store's contents with what the settings file holds; anything
     // missing or unusable takes the value a fresh user starts with.
     void readConfig();
-    // Writes every field, syncs the file and emits configWritten(). Keys that the
-    // store no longer accounts for (a longer list of an earlier run) stay in the file.
-    void writeConfig();
+    // Writes every field and emits configWritten(), also after a failure, so that
+    // what shows the store stays current. Keys that the store no longer accounts for
+    // (a longer list of an earlier run) stay in the file. The new file takes the
+    // earlier one's place only once complete: on failure the earlier file stays whole,
+    // writeFailed() says why, and false is returned.
+    bool writeConfig();
 
     void addRecentFile(const QString &path) { m_store.addRecentFile(path); }
 
@@ -37,6 +40,7 @@ public:
 
 signals:
     void configWritten();
+    void writeFailed(const QString &path, const QString &reason);
 
 private:
     void readWindow(QSettings &settings);
@@ -52,6 +56,8 @@ private:
     void writeRecentFiles(QSettings &settings) const;
     void writeFavorites(QSettings &settings) const;
     void writeFilters(QSettings &settings) const;
+    // The settings file's new content, made by Qt from the earlier content and the store.
+    bool draftFile(const QByteArray &earlier, QByteArray *content, QString *error) const;
 
     ConfigStore &m_store;
 };

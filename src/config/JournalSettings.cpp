@@ -46,9 +46,17 @@ void JournalSettings::on_buttonBox_accepted()
     if (path.isEmpty())
         return;
     ConfigStore &store = m_config.store();
+    const QString earlierPath = store.mainLogPath();
+    const int earlierPerPage = store.messagesPerPage();
     store.mainLogPath() = path;
     store.messagesPerPage() = ui->messagesPerPage->value();
-    m_config.writeConfig();
+    if (!m_config.writeConfig()) {
+        // What could not be saved is not applied either; the dialog stays open with
+        // the values typed, to be tried again or cancelled.
+        store.mainLogPath() = earlierPath;
+        store.messagesPerPage() = earlierPerPage;
+        return;
+    }
     accept();
     emit settingsChanged();
 }

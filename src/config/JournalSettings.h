@@ -12,7 +12,8 @@ class JournalSettings;
 }
 
 // Edits the main log path and the page size of the configuration store; modal.
-// Accepted values are written to the settings file at once.
+// Accepted values are written to the settings file at once, and only values that
+// were saved are taken.
 class JournalSettings : public QDialog
 {
     Q_OBJECT

@@ -1,6 +1,8 @@
 #include "SettingsFileGuard.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 
 namespace
@@ -124,6 +126,32 @@ bool SettingsFileGuard::dropUnsafeLines(const QString &path)
     const QByteArray kept = safeContent(content);
     if (kept.size() == content.size())
         return false;
+    return replaceFile(path, kept);
+}
+
+QByteArray SettingsFileGuard::readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool SettingsFileGuard::replaceFile(const QString &path, const QByteArray &content, QString *error)
+{
+    // A failure to make the folder shows as the file's own failure, with its reason.
+    QDir().mkpath(QFileInfo(path).absolutePath());
     QSaveFile out(path);
-    return out.open(QIODevice::WriteOnly) && out.write(kept) == kept.size() && out.commit();
+    // Unbuffered: a write cut short (a full disk) shows in the count written, which a
+    // buffered flush lets pass, and the cut file would replace the earlier one.
+    bool written = out.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+    for (qint64 done = 0; written && done < content.size();) {
+        const qint64 now = out.write(content.constData() + done, content.size() - done);
+        written = now > 0;
+        done += now;
+    }
+    if (written && out.commit())
+        return true;
+    if (error)
+        *error = out.errorString();
+    out.cancelWriting();
+    return false;
 }

@@ -22,4 +22,11 @@ public:
     static QByteArray safeContent(const QByteArray &content);
     // Whether one physical line could make Qt deserialise a value other than a date-time.
     static bool isUnsafeLine(const QByteArray &line);
+
+    // The file's bytes; empty when it is missing or unreadable.
+    static QByteArray readFile(const QString &path);
+    // Replaces the file (and makes its folder): the content is written beside it and
+    // renamed over it once complete, so that a failure leaves the earlier file whole.
+    // False, with the system's reason, when that fails.
+    static bool replaceFile(const QString &path, const QByteArray &content, QString *error = nullptr);
 };

@@ -6,10 +6,10 @@
 #include "JournalRows.h"
 #include "Language.h"
 #include "LineParser.h"
+#include "OutputFile.h"
 #include "OutputProgress.h"
 
 #include <QClipboard>
-#include <QFile>
 #include <QGuiApplication>
 
 #include <algorithm>
@@ -289,58 +289,46 @@ void formatBatch(const Layout &layout, const JournalRows::Batch &batch, bool nee
 class LayoutWriter
 {
 public:
-    LayoutWriter(const Layout &layout, QFile &file)
+    LayoutWriter(const Layout &layout, OutputFile &file)
         : m_layout(layout)
         , m_file(file)
     {
     }
 
     bool needsHead() const { return !m_headWritten; }
-    int written() const { return m_events; }
 
-    void write(const Formatted &formatted)
+    bool write(const Formatted &formatted)
     {
         if (!formatted.anyEvent)
-            return;
+            return true;
         m_events += formatted.events;
-        if (!m_headWritten) {
-            m_file.write(formatted.head);
-            m_headWritten = true;
-            m_file.write(formatted.text.constData() + m_layout.firstEventSkip,
-                         formatted.text.size() - m_layout.firstEventSkip);
-        } else {
-            m_file.write(formatted.text);
-        }
-        m_file.flush();
+        if (m_headWritten)
+            return m_file.write(formatted.text);
+        m_headWritten = true;
+        return m_file.write(formatted.head)
+            && m_file.write(formatted.text.constData() + m_layout.firstEventSkip,
+                            formatted.text.size() - m_layout.firstEventSkip);
     }
 
-    void finish()
+    // The number of events written, or -1 when the file failed.
+    int finish()
     {
         const bool anyEvent = m_headWritten;
         if (!m_headWritten)
             m_file.write(m_layout.head(nullptr));
         m_file.write(m_layout.tail(anyEvent));
-        m_file.flush();
+        return m_file.failed() ? -1 : m_events;
     }
 
 private:
     const Layout &m_layout;
-    QFile &m_file;
+    OutputFile &m_file;
     bool m_headWritten = false;
     int m_events = 0;
 };
 
-bool openTarget(QFile &file, const QString &path)
+int writeEvents(const Layout &layout, const std::vector<const Event *> &events, OutputFile &file)
 {
-    file.setFileName(path);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate);
-}
-
-int writeEvents(const Layout &layout, const std::vector<const Event *> &events, const QString &path)
-{
-    QFile file;
-    if (!openTarget(file, path))
-        return -1;
     LayoutWriter writer(layout, file);
     Formatted formatted;
     for (const Event *event : events) {
@@ -353,18 +341,14 @@ int writeEvents(const Layout &layout, const std::vector<const Event *> &events, 
         layout.event(formatted.text, *event);
     }
     writer.write(formatted);
-    writer.finish();
-    return writer.written();
+    return writer.finish();
 }
 
 // Parsing dominates: every batch is parsed and formatted on a thread of its own, one
 // per processor at a time, while this thread reads ahead and writes the finished
 // batches in their order. No batch waits for a slower neighbour.
-int streamEvents(const Layout &layout, const JournalRows &rows, const QString &path, OutputProgress *progress)
+int streamEvents(const Layout &layout, const JournalRows &rows, OutputFile &file, OutputProgress *progress)
 {
-    QFile file;
-    if (!openTarget(file, path))
-        return -1;
     LayoutWriter writer(layout, file);
     const std::size_t inFlight = std::max(1u, std::thread::hardware_concurrency());
     std::deque<std::future<Formatted>> pending;
@@ -387,12 +371,44 @@ int streamEvents(const Layout &layout, const JournalRows &rows, const QString &p
             formatBatch(layout, batch, needHead, formatted);
             return formatted;
         }));
-        return !(progress && progress->stopRequested());
+        return !file.failed() && !(progress && progress->stopRequested());
     });
     while (!pending.empty())
         writeOldest();
-    writer.finish();
-    return writer.written();
+    return writer.finish();
+}
+
+int streamRawLines(const JournalRows &rows, OutputFile &file, OutputProgress *progress)
+{
+    int written = 0;
+    rows.read(kRawBatchBytes, [&](JournalRows::Batch &&batch) {
+        if (!file.write(batch.text))
+            return false;
+        written += static_cast<int>(batch.lineCount());
+        if (progress)
+            progress->report(qint64(batch.rows.back()) + 1, qint64(rows.size()));
+        return !(progress && progress->stopRequested());
+    });
+    return file.failed() ? -1 : written;
+}
+
+// One file written by `write`, which returns the number of events it wrote or -1. The
+// file takes the earlier one's place only when complete: a failure or a stop leaves
+// the earlier file as it was, and a failure's reason goes to the progress.
+template<typename Write>
+int writeFile(const QString &path, OutputProgress *progress, Write write)
+{
+    OutputFile file(path);
+    int written = file.open() ? write(file) : -1;
+    if (written >= 0 && progress && progress->stopRequested()) {
+        file.discard();
+        written = -1;
+    } else if (written >= 0 && !file.commit()) {
+        written = -1;
+    }
+    if (progress && file.failed())
+        progress->setFailure(file.errorString());
+    return written;
 }
 }
 
@@ -418,53 +434,42 @@ bool EventsDataCopier::formatOfFile(const QString &fileName, Format *format)
 
 int EventsDataCopier::writeJson(const std::vector<const Event *> &events, const QString &path) const
 {
-    return writeEvents(kJsonLayout, events, path);
+    return writeFile(path, nullptr, [&](OutputFile &file) { return writeEvents(kJsonLayout, events, file); });
 }
 
 int EventsDataCopier::writeCsv(const std::vector<const Event *> &events, const QString &path) const
 {
-    return writeEvents(kCsvLayout, events, path);
+    return writeFile(path, nullptr, [&](OutputFile &file) { return writeEvents(kCsvLayout, events, file); });
 }
 
 int EventsDataCopier::writeJson(const JournalRows &rows, const QString &path, OutputProgress *progress) const
 {
-    return streamEvents(kJsonLayout, rows, path, progress);
+    return writeFile(path, progress, [&](OutputFile &file) { return streamEvents(kJsonLayout, rows, file, progress); });
 }
 
 int EventsDataCopier::writeCsv(const JournalRows &rows, const QString &path, OutputProgress *progress) const
 {
-    return streamEvents(kCsvLayout, rows, path, progress);
+    return writeFile(path, progress, [&](OutputFile &file) { return streamEvents(kCsvLayout, rows, file, progress); });
 }
 
 int EventsDataCopier::writeRawLines(const JournalRows &rows, const QString &path, OutputProgress *progress) const
 {
-    QFile file;
-    if (!openTarget(file, path))
-        return -1;
-    int written = 0;
-    rows.read(kRawBatchBytes, [&](JournalRows::Batch &&batch) {
-        file.write(batch.text);
-        written += static_cast<int>(batch.lineCount());
-        file.flush();
-        if (progress)
-            progress->report(qint64(batch.rows.back()) + 1, qint64(rows.size()));
-        return !(progress && progress->stopRequested());
-    });
-    return written;
+    return writeFile(path, progress, [&](OutputFile &file) { return streamRawLines(rows, file, progress); });
 }
 
 void EventsDataCopier::write(const EventsSelection &selection, Format format, const QString &path,
                              OutputProgress *progress) const
 {
-    int written;
-    if (format == RawLines) {
-        written = writeRawLines(selection.rows(), path, progress);
-    } else if (selection.isJournal()) {
-        const JournalRows rows = selection.rows();
-        written = format == Json ? writeJson(rows, path, progress) : writeCsv(rows, path, progress);
-    } else {
-        written = format == Json ? writeJson(selection.events(), path) : writeCsv(selection.events(), path);
-    }
+    // The target is opened before the rows are gathered: a file that cannot be
+    // written is told at once, however large the journal.
+    const int written = writeFile(path, progress, [&](OutputFile &file) {
+        if (format == RawLines)
+            return streamRawLines(selection.rows(), file, progress);
+        const Layout &layout = format == Json ? kJsonLayout : kCsvLayout;
+        if (selection.isJournal())
+            return streamEvents(layout, selection.rows(), file, progress);
+        return writeEvents(layout, selection.events(), file);
+    });
     if (progress) {
         progress->report(1, 1);
         progress->setOutcome(written);

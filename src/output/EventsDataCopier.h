@@ -34,8 +34,9 @@ public:
     // case-sensitively. False for any other ending.
     static bool formatOfFile(const QString &fileName, Format *format);
 
-    // Each writer truncates the target and returns how many events (lines) it wrote;
-    // -1, and nothing written, when the target cannot be opened.
+    // Each writer returns how many events (lines) it wrote. The file replaces the
+    // earlier one only once complete (see OutputFile): -1, and the earlier file left
+    // as it was, when the target cannot be written in full or the job is stopped.
     int writeJson(const std::vector<const Event *> &events, const QString &path) const;
     int writeCsv(const std::vector<const Event *> &events, const QString &path) const;
     // Rows of a journal, streamed: read in batches, parsed on every processor, written
@@ -46,7 +47,8 @@ public:
     int writeRawLines(const JournalRows &rows, const QString &path, OutputProgress *progress = nullptr) const;
 
     // One export job: the selection in the given format, its count left as the
-    // progress's outcome. Call it on the job's thread.
+    // progress's outcome and the reason of a failure as its failure. Call it on the
+    // job's thread.
     void write(const EventsSelection &selection, Format format, const QString &path,
                OutputProgress *progress = nullptr) const;
 

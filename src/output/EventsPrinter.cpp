@@ -6,6 +6,7 @@
 #include "JournalRows.h"
 #include "LineParser.h"
 #include "OutputProgress.h"
+#include "PrintedFile.h"
 
 #include <QDateTime>
 #include <QDebug>
@@ -261,18 +262,43 @@ private:
 
 int EventsPrinter::print(const std::vector<const Event *> &events)
 {
-    return printList(events, nullptr);
+    return runJob(nullptr, [&](int *printed) { return drawList(events, printed); });
 }
 
 int EventsPrinter::print(const JournalRows &rows, OutputProgress *progress)
 {
-    return printRows(rows, progress, nullptr);
+    return runJob(progress, [&](int *printed) { return drawRows(rows, progress, printed); });
 }
 
-int EventsPrinter::printList(const std::vector<const Event *> &events, int *printed)
+int EventsPrinter::print(const EventsSelection &selection, OutputProgress *progress)
+{
+    return runJob(progress, [&](int *printed) {
+        return selection.isJournal() ? drawRows(selection.rows(), progress, printed)
+                                     : drawList(selection.events(), printed);
+    });
+}
+
+int EventsPrinter::runJob(OutputProgress *progress, const std::function<int(int *)> &draw)
 {
     std::lock_guard<std::mutex> job(m_jobMutex);
     PrintingFlag printing(m_printing);
+    PrintedFile file(*m_printer);
+    int printed = 0;
+    int pages = file.begin() ? draw(&printed) : 0;
+    // A stopped report is one cut short: a file keeps what it held before.
+    const bool complete = pages > 0 && !(progress && progress->stopRequested());
+    if (!file.finish(complete) && file.toFile())
+        pages = 0;
+    if (progress) {
+        progress->report(1, 1);
+        progress->setFailure(file.errorString());
+        progress->setOutcome(pages > 0 ? printed : -1);
+    }
+    return pages;
+}
+
+int EventsPrinter::drawList(const std::vector<const Event *> &events, int *printed)
+{
     quint32 largest = 0;
     for (const Event *event : events)
         largest = std::max(largest, event ? event->number : 0);
@@ -283,15 +309,12 @@ int EventsPrinter::printList(const std::vector<const Event *> &events, int *prin
         if (event)
             report.add(*event);
     }
-    if (printed)
-        *printed = report.events();
+    *printed = report.events();
     return report.end();
 }
 
-int EventsPrinter::printRows(const JournalRows &rows, OutputProgress *progress, int *printed)
+int EventsPrinter::drawRows(const JournalRows &rows, OutputProgress *progress, int *printed)
 {
-    std::lock_guard<std::mutex> job(m_jobMutex);
-    PrintingFlag printing(m_printing);
     Report report(*m_printer, m_titles);
     if (!report.begin(static_cast<quint32>(rows.size())))
         return 0;
@@ -307,19 +330,6 @@ int EventsPrinter::printRows(const JournalRows &rows, OutputProgress *progress, 
             progress->report(qint64(batch.rows.back()) + 1, qint64(rows.size()));
         return !(progress && progress->stopRequested());
     });
-    if (printed)
-        *printed = report.events();
+    *printed = report.events();
     return report.end();
-}
-
-int EventsPrinter::print(const EventsSelection &selection, OutputProgress *progress)
-{
-    int printed = 0;
-    const int pages = selection.isJournal() ? printRows(selection.rows(), progress, &printed)
-                                            : printList(selection.events(), &printed);
-    if (progress) {
-        progress->report(1, 1);
-        progress->setOutcome(pages > 0 ? printed : -1);
-    }
-    return pages;
 }

@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -32,21 +33,23 @@ public:
     bool isPrinting() const { return m_printing.load(); }
     QStringList columnTitles() const { return m_titles; }
 
-    // Each returns the number of pages drawn; 0 when the painter could not be begun.
-    // A second job waits for the first.
+    // Each returns the number of pages drawn; 0 when the painter could not be begun
+    // or the printer's file could not be written (see PrintedFile). A second job
+    // waits for the first.
     int print(const std::vector<const Event *> &events);
     // Rows of a journal, read and drawn batch by batch.
     int print(const JournalRows &rows, OutputProgress *progress = nullptr);
-    // One print job, the number of events drawn left as the progress's outcome.
-    // Call it on the job's thread.
+    // One print job, the number of events drawn left as the progress's outcome and
+    // the reason a file could not be written as its failure. Call it on the job's thread.
     int print(const EventsSelection &selection, OutputProgress *progress = nullptr);
 
 private:
     class Report;
 
-    // The overloads above; `printed`, when given, receives the number of events drawn.
-    int printList(const std::vector<const Event *> &events, int *printed);
-    int printRows(const JournalRows &rows, OutputProgress *progress, int *printed);
+    // One job around `draw`, which returns the pages it drew and sets the events.
+    int runJob(OutputProgress *progress, const std::function<int(int *printed)> &draw);
+    int drawList(const std::vector<const Event *> &events, int *printed);
+    int drawRows(const JournalRows &rows, OutputProgress *progress, int *printed);
 
     std::unique_ptr<QPrinter> m_printer;
     QStringList m_titles;

@@ -17,3 +17,15 @@ void OutputProgress::report(qint64 done, qint64 total)
         Q_EMIT percentChanged(percent);
     }
 }
+
+void OutputProgress::setFailure(const QString &reason)
+{
+    std::lock_guard<std::mutex> lock(m_failureMutex);
+    m_failure = reason;
+}
+
+QString OutputProgress::failure() const
+{
+    std::lock_guard<std::mutex> lock(m_failureMutex);
+    return m_failure;
+}

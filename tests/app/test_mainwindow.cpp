@@ -7,6 +7,7 @@
 #include "ExportDialog.h"
 #include "EventsView.h"
 #include "FilterWindow.h"
+#include "JournalSettings.h"
 #include "JournalGenerator.h"
 #include "LoadWarning.h"
 #include "LogInfoWindow.h"
@@ -18,6 +19,7 @@
 #include "PrinterDialog.h"
 #include "PriorityItem.h"
 #include "SummaryDialog.h"
+#include "output/FailingTargets.h"
 #include "TsanDefaults.h"
 
 #include <KAcceleratorManager>
@@ -35,12 +37,16 @@
 #include <QRadioButton>
 #include <QTimer>
 #include <QPointer>
+#include <QSpinBox>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QProgressBar>
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QStandardPaths>
+#include <QRegularExpression>
+#include <QSaveFile>
 #include <QStatusBar>
 #include <QTabBar>
 #include <QTabWidget>
@@ -50,7 +56,11 @@
 #include <QTreeView>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace
 {
@@ -102,6 +112,62 @@ QStringList texts(const QList<QAction *> &actions)
 QString menuTitles(const QMenuBar *bar)
 {
     return texts(bar->actions()).mid(0, 3).join(QLatin1Char(','));
+}
+
+// Answers the next file dialog with the path, typed; `accepted` runs once it took it.
+QTimer *answerFileDialog(QObject *owner, const QString &path, std::function<void()> accepted = {})
+{
+    auto *poll = new QTimer(owner);
+    QObject::connect(poll, &QTimer::timeout, poll, [poll, path, accepted] {
+        auto *files = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+        if (!files)
+            return;
+        poll->stop();
+        auto *edit = files->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        edit->clear();
+        QTest::keyClicks(edit, path);
+        QTest::keyClick(edit, Qt::Key_Return);
+        if (accepted)
+            accepted();
+    });
+    poll->start(10);
+    return poll;
+}
+
+struct ShownBox {
+    QMessageBox::Icon icon;
+    QString title;
+    QString text;
+    QString reason;
+};
+
+// While the timer lives, every message box that comes up is noted and answered through
+// its own buttons: "Yes" where it asks, "OK" otherwise.
+std::unique_ptr<QTimer> answerBoxes(QList<ShownBox> *shown)
+{
+    auto poll = std::make_unique<QTimer>();
+    QObject::connect(poll.get(), &QTimer::timeout, poll.get(), [shown] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!box || !box->isVisible())
+            return;
+        shown->append({box->icon(), box->windowTitle(), box->text(), box->informativeText()});
+        QAbstractButton *answer = box->button(QMessageBox::Yes) ? box->button(QMessageBox::Yes) : box->button(QMessageBox::Ok);
+        QTest::mouseClick(answer, Qt::LeftButton);
+    });
+    poll->start(10);
+    return poll;
+}
+
+// What the system says to creating a file in the folder.
+QString creationRefusal(const QString &folder)
+{
+    const int fd = ::open(QFile::encodeName(folder + QStringLiteral("/nimb-probe")).constData(),
+                          O_WRONLY | O_CREAT | O_EXCL, 0600);
+    if (fd >= 0) {
+        ::close(fd);
+        return QString();
+    }
+    return qt_error_string(errno);
 }
 }
 
@@ -191,13 +257,20 @@ class TestMainWindow : public QObject
     {
         const QString path = m_files.filePath(name);
         QFile::remove(path);
-        whenModal<QFileDialog>([path](QFileDialog *files) {
-            auto *edit = files->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
-            edit->clear();
-            QTest::keyClicks(edit, path);
-            QTest::keyClick(edit, Qt::Key_Return);
-        });
+        answerFileDialog(&window(), path);
         return path;
+    }
+
+    // The next print dialog is accepted as it stands.
+    void acceptPrintDialog()
+    {
+        whenModal<QPrintDialog>([](QPrintDialog *printDialog) {
+            auto *buttons = printDialog->findChild<QDialogButtonBox *>();
+            for (QAbstractButton *button : buttons->buttons()) {
+                if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole)
+                    QTest::mouseClick(button, Qt::LeftButton);
+            }
+        });
     }
 
     void clickTool(const char *name)
@@ -866,19 +939,138 @@ private Q_SLOTS:
         press(Qt::Key_P, Qt::ControlModifier);
         QTRY_VERIFY(dialog->isVisible());
         QVERIFY(dialog->findChild<QRadioButton *>(QStringLiteral("printSelectedButton"))->isChecked());
-        whenModal<QPrintDialog>([](QPrintDialog *printDialog) {
-            auto *buttons = printDialog->findChild<QDialogButtonBox *>();
-            for (QAbstractButton *button : buttons->buttons()) {
-                if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole)
-                    QTest::mouseClick(button, Qt::LeftButton);
-            }
-        });
+        acceptPrintDialog();
         QSignalSpy messages(window().statusBar(), &QStatusBar::messageChanged);
         QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("printButton")), Qt::LeftButton);
         QTRY_COMPARE(window().statusBar()->currentMessage(), QStringLiteral("Printed 2 events."));
         QVERIFY(!messages.isEmpty());
         QVERIFY(messages.first().first().toString().startsWith(QStringLiteral("Printing… ")));
         QVERIFY(QFileInfo(pdf).size() > 0);
+    }
+
+    // An export that cannot be written is told with the system's reason; the target
+    // keeps what it held and nothing half-written is left beside it. Root writes
+    // through permission bits, so the folder that refuses is /proc.
+    void exportFailuresAreTold_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<QString>("reason");
+        QTest::addColumn<bool>("becomesFolder");
+        QTest::addColumn<bool>("cutShort");
+        const QString folder = m_files.filePath(QStringLiteral("failing"));
+        QDir(folder).removeRecursively();
+        QVERIFY(QDir().mkpath(folder));
+        const QString earlier = folder + QStringLiteral("/earlier.json");
+        QFile file(earlier);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("earlier export\n") > 0);
+        QTest::newRow("full device") << failing::fullDevice(folder, QStringLiteral("full.json")) << qt_error_string(ENOSPC) << false << false;
+        QTest::newRow("folder refusing files") << QStringLiteral("/proc/nimb-export.json")
+                                               << creationRefusal(QStringLiteral("/proc")) << false << false;
+        QTest::newRow("a folder") << folder + QStringLiteral("/folder.json")
+                                  << QSaveFile::tr("Filename refers to a directory") << true << false;
+        QTest::newRow("cut short") << earlier << qt_error_string(EFBIG) << false << true;
+    }
+
+    void exportFailuresAreTold()
+    {
+        QFETCH(QString, target);
+        QFETCH(QString, reason);
+        QFETCH(bool, becomesFolder);
+        QFETCH(bool, cutShort);
+        QVERIFY(!reason.isEmpty());
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        showActive();
+        QByteArray state = failing::stateOf(target);
+        QStringList beside = failing::besides(target);
+        QList<ShownBox> boxes;
+        const auto answering = answerBoxes(&boxes);
+        // The path is free when the dialog takes it and a folder when it is written.
+        answerFileDialog(&window(), target, [&] {
+            if (!becomesFolder)
+                return;
+            QDir().mkpath(target + QStringLiteral("/inside"));
+            state = failing::stateOf(target);
+            beside = failing::besides(target);
+        });
+
+        press(Qt::Key_E, Qt::ControlModifier);
+        auto *dialog = window().findChild<ExportDialog *>();
+        QTRY_VERIFY(dialog->isVisible());
+        clickRadio(dialog, "exportAllButton");
+        std::unique_ptr<failing::FileSizeLimit> limit;
+        if (cutShort)
+            limit = std::make_unique<failing::FileSizeLimit>(64 * 1024);
+        QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("exportButton")), Qt::LeftButton);
+        QTRY_VERIFY(!boxes.isEmpty() && boxes.last().icon == QMessageBox::Critical);
+        limit.reset();
+        const ShownBox &box = boxes.last();
+        QCOMPARE(box.title, QStringLiteral("Export events"));
+        QCOMPARE(box.text, QStringLiteral("The events could not be exported to %1.").arg(target));
+        QCOMPARE(box.reason, reason);
+        QTRY_COMPARE(window().statusBar()->currentMessage(), QStringLiteral("Could not write to %1.").arg(target));
+        QCOMPARE(failing::stateOf(target), state);
+        QCOMPARE(failing::besides(target), beside);
+        QTRY_VERIFY(!main->isLoading());
+    }
+
+    // Printing into a file that fills up is told, and the earlier printout stays.
+    void printFailuresAreTold()
+    {
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        showActive();
+        const QString pdf = m_files.filePath(QStringLiteral("earlier.pdf"));
+        QFile earlier(pdf);
+        QVERIFY(earlier.open(QIODevice::WriteOnly | QIODevice::Truncate) && earlier.write("earlier printout") > 0);
+        earlier.close();
+        const QByteArray state = failing::stateOf(pdf);
+        window().findChild<EventsPrinter *>()->printer()->setOutputFileName(pdf);
+        QList<ShownBox> boxes;
+        const auto answering = answerBoxes(&boxes);
+        acceptPrintDialog();
+        press(Qt::Key_P, Qt::ControlModifier);
+        auto *dialog = window().findChild<PrinterDialog *>();
+        QTRY_VERIFY(dialog->isVisible());
+        {
+            failing::FileSizeLimit limit(4096);
+            QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("printButton")), Qt::LeftButton);
+            QTRY_VERIFY(!boxes.isEmpty() && boxes.last().icon == QMessageBox::Critical);
+        }
+        QCOMPARE(boxes.last().title, QStringLiteral("Print events"));
+        QCOMPARE(boxes.last().text, QStringLiteral("The events could not be printed to %1.").arg(pdf));
+        QCOMPARE(boxes.last().reason, QStringLiteral("The printout was cut short while it was being drawn."));
+        QCOMPARE(failing::stateOf(pdf), state);
+        QCOMPARE(failing::besides(pdf), QStringList({QStringLiteral("earlier.pdf")}));
+    }
+
+    // Settings that cannot be saved from their dialog are told with the reason.
+    void settingsFailuresAreTold()
+    {
+        const QString file = ConfigHandler::settingsFilePath();
+        QVERIFY(QDir().mkpath(file + QStringLiteral("/inside")));
+        QVERIFY(loaded(current()));
+        showActive();
+        QList<ShownBox> boxes;
+        const auto answering = answerBoxes(&boxes);
+        action("actionSettings")->trigger();
+        auto *settings = window().findChild<JournalSettings *>();
+        QVERIFY(settings->isVisible() && settings->isModal());
+        auto *perPage = settings->findChild<QSpinBox *>(QStringLiteral("messagesPerPage"));
+        QTest::keyClick(perPage, Qt::Key_Up);
+        auto *buttons = settings->findChild<QDialogButtonBox *>();
+        QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+        QTRY_COMPARE(boxes.size(), 1);
+        QCOMPARE(boxes[0].icon, QMessageBox::Critical);
+        QCOMPARE(boxes[0].text, QStringLiteral("The settings could not be saved to %1.").arg(file));
+        QCOMPARE(boxes[0].reason, QSaveFile::tr("Filename refers to a directory"));
+        QVERIFY(settings->isVisible());
+        QTest::mouseClick(buttons->button(QDialogButtonBox::Cancel), Qt::LeftButton);
+        QCOMPARE(failing::stateOf(file), QByteArray("folder inside"));
+        // Leaving says so in the log only.
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^The settings could not be saved")));
+        closeWindow();
+        QCOMPARE(boxes.size(), 1);
     }
 
     // A row of the summary double-clicked filters the journal by its priority and

@@ -2,6 +2,7 @@
 #include "FavoriteIdsEditor.h"
 #include "JournalSettings.h"
 #include "NimbTestMain.h"
+#include "output/FailingTargets.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -143,6 +144,46 @@ private slots:
         QSettings file = settingsFile();
         QCOMPARE(file.value("Application settings/Main log path").toString(), QStringLiteral("/var/log/journal-b"));
         QCOMPARE(file.value("Application settings/Messages per page").toInt(), 2500);
+    }
+
+    // A settings file that cannot be written in full keeps what it held; the dialog
+    // stays open with the values typed, and nothing is taken until they are saved.
+    void unsavedSettingsAreNotTaken()
+    {
+        const QString path = settingsFile().fileName();
+        const QByteArray earlier = "[Application%20settings]\nMessages%20per%20page=1000\n";
+        {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            QCOMPARE(file.write(earlier), qint64(earlier.size()));
+        }
+        JournalSettings dialog(*m_config);
+        QCOMPARE(dialog.windowModality(), Qt::ApplicationModal);
+        QSignalSpy changed(&dialog, &JournalSettings::settingsChanged);
+        QSignalSpy failed(m_config.get(), &ConfigHandler::writeFailed);
+        dialog.show();
+        retype(child<QSpinBox>(dialog, "messagesPerPage"), "2500");
+        {
+            // Room for the earlier file, not for the whole new one.
+            failing::FileSizeLimit limit(500);
+            QTest::mouseClick(button(dialog, QDialogButtonBox::Ok), Qt::LeftButton);
+        }
+        QVERIFY(dialog.isVisible());
+        QCOMPARE(changed.count(), 0);
+        QCOMPARE(m_store->messagesPerPage(), 1000);
+        QCOMPARE(failed.count(), 1);
+        QCOMPARE(failed[0][0].toString(), path);
+        QVERIFY(!failed[0][1].toString().isEmpty());
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), earlier);
+        QCOMPARE(failing::besides(path), QStringList({QFileInfo(path).fileName()}));
+
+        QTest::mouseClick(button(dialog, QDialogButtonBox::Ok), Qt::LeftButton);
+        QVERIFY(!dialog.isVisible());
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(m_store->messagesPerPage(), 2500);
+        QCOMPARE(settingsFile().value("Application settings/Messages per page").toInt(), 2500);
     }
 
     void cancelledSettingsChangeNothing()

@@ -1,6 +1,7 @@
 #include "AbstractLogParser.h"
 #include "AsyncLoader.h"
 #include "AuxParRegistry.h"
+#include "FailingTargets.h"
 #include "EventsDataCopier.h"
 #include "EventsSelection.h"
 #include "FilteringLogParser.h"
@@ -434,26 +435,69 @@ private slots:
         for (int i = 1; i < spy.size(); ++i)
             QVERIFY(spy[i].at(0).toInt() > spy[i - 1].at(0).toInt());
 
+        // An export stopped before its end is no export: the file keeps what it held.
         OutputProgress stopped;
         stopped.requestStop();
         const QString json = path("stopped.json");
-        m_copier.writeJson(rows, json, &stopped);
-        QJsonParseError error;
-        const int written = QJsonDocument::fromJson(output::read(json), &error).array().size();
-        QCOMPARE(error.error, QJsonParseError::NoError);
-        QVERIFY(written > 0 && written < int(rows.size()));
+        output::write(json, "earlier");
+        QCOMPARE(m_copier.writeJson(rows, json, &stopped), -1);
+        QCOMPARE(output::read(json), QByteArray("earlier"));
+        QCOMPARE(failing::besides(json), QStringList({"stopped.json"}));
     }
 
-    void unwritableTargetsAreLeftAlone()
+    // However a write fails partway, every writer leaves the target as it was and
+    // nothing half-written beside it, and the job has the system's reason to tell.
+    void failedWritesLeaveTheTargetAsItWas_data()
     {
-        const QString target = path("missing-dir/out.json");
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<QString>("reason");
+        QTest::addColumn<bool>("cutShort");
+        const QString folder = path("targets");
+        QDir(folder).removeRecursively();
+        QVERIFY(QDir().mkpath(folder));
+        output::write(folder + "/earlier.json", "earlier export\n");
+        QTest::newRow("cut short") << folder + "/earlier.json" << qt_error_string(EFBIG) << true;
+        QTest::newRow("full device") << failing::fullDevice(folder, QStringLiteral("full.json")) << qt_error_string(ENOSPC) << false;
+    }
+
+    void failedWritesLeaveTheTargetAsItWas()
+    {
+        QFETCH(QString, target);
+        QFETCH(QString, reason);
+        QFETCH(bool, cutShort);
+        const QString journal = path("failing.log");
+        QByteArray accepted;
+        output::write(journal, bigJournal(300, &accepted));
+        LogParser parser(journal);
+        const JournalRows rows = countedRows(parser);
         const auto events = handBuilt();
-        QCOMPARE(m_copier.writeJson(pointers(events), target), -1);
-        OutputProgress progress;
-        m_copier.write(EventsSelection::journalRows(JournalRows(path("nothing.log"), {0})), EventsDataCopier::RawLines,
-                       target, &progress);
-        QCOMPARE(progress.outcome(), -1);
-        QVERIFY(!QFile::exists(target));
+        const std::vector<const Event *> listed = pointers(events);
+        const QByteArray state = failing::stateOf(target);
+        const QStringList beside = failing::besides(target);
+
+        const struct {
+            const char *name;
+            EventsDataCopier::Format format;
+            bool journal;
+        } writers[] = {{"listed JSON", EventsDataCopier::Json, false},  {"listed CSV", EventsDataCopier::Csv, false},
+                       {"streamed JSON", EventsDataCopier::Json, true}, {"streamed CSV", EventsDataCopier::Csv, true},
+                       {"raw lines", EventsDataCopier::RawLines, true}};
+        for (const auto &writer : writers) {
+            OutputProgress progress;
+            EventsSelection selection = writer.journal ? EventsSelection::journalRows(rows)
+                                                       : EventsSelection::loaded(QList<const Event *>(listed.begin(), listed.end()), nullptr);
+            {
+                // Less than the smallest export: every writer fails partway.
+                std::unique_ptr<failing::FileSizeLimit> limit;
+                if (cutShort)
+                    limit = std::make_unique<failing::FileSizeLimit>(100);
+                m_copier.write(selection, writer.format, target, &progress);
+            }
+            QVERIFY2(progress.outcome() == -1, writer.name);
+            QCOMPARE(progress.failure(), reason);
+            QVERIFY2(failing::stateOf(target) == state, writer.name);
+            QVERIFY2(failing::besides(target) == beside, writer.name);
+        }
     }
 };
 

@@ -1,5 +1,6 @@
 #include "EventsPrinter.h"
 #include "EventsSelection.h"
+#include "FailingTargets.h"
 #include "JournalRows.h"
 #include "LogParser.h"
 #include "NimbTestMain.h"
@@ -10,6 +11,7 @@
 #include <QDir>
 #include <QPrinter>
 #include <QRegularExpression>
+#include <QSaveFile>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -195,18 +197,48 @@ private slots:
         QCOMPARE(lastLine(pdf.pageTexts[0]).trimmed(), QStringLiteral("1"));
     }
 
-    void anUnusablePrinterDrawsNothing()
+    // A printout into a file that cannot be written leaves the file as it was and
+    // nothing beside it, and the job has the reason; a complete one replaces the file.
+    void printingIntoAFileThatFails()
     {
+        const QString folder = m_dir.filePath("targets");
+        QVERIFY(QDir().mkpath(folder + "/folder.pdf/inside"));
+        const QString earlier = folder + "/earlier.pdf";
+        output::write(earlier, "earlier printout");
+        const struct {
+            QString target;
+            QString reason;
+            bool cutShort;
+        } cases[] = {
+            {folder + "/folder.pdf", QSaveFile::tr("Filename refers to a directory"), false},
+            {earlier, QStringLiteral("The printout was cut short while it was being drawn."), true},
+        };
+        for (const auto &c : cases) {
+            EventsPrinter printer;
+            toPdf(printer, c.target);
+            const QByteArray state = failing::stateOf(c.target);
+            const QStringList beside = failing::besides(c.target);
+            if (!c.cutShort)
+                QCOMPARE(printer.print(std::vector<const Event *>()), 0);
+            OutputProgress progress;
+            {
+                std::unique_ptr<failing::FileSizeLimit> limit;
+                if (c.cutShort)
+                    limit = std::make_unique<failing::FileSizeLimit>(2000);
+                QCOMPARE(printOnThread(printer, EventsSelection::loaded(QList<const Event *>(), nullptr), &progress), 0);
+            }
+            QCOMPARE(progress.outcome(), -1);
+            QCOMPARE(progress.failure(), c.reason);
+            QCOMPARE(failing::stateOf(c.target), state);
+            QCOMPARE(failing::besides(c.target), beside);
+            QCOMPARE(printer.printer()->outputFileName(), c.target);
+        }
+
         EventsPrinter printer;
-        toPdf(printer, m_dir.filePath("no-such-dir/out.pdf"));
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral(".*")));
-        QTest::ignoreMessage(QtDebugMsg, "Printer Error: Could not link painter to printer.");
-        QCOMPARE(printer.print(std::vector<const Event *>()), 0);
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral(".*")));
-        QTest::ignoreMessage(QtDebugMsg, "Printer Error: Could not link painter to printer.");
-        OutputProgress progress;
-        QCOMPARE(printOnThread(printer, EventsSelection::loaded(QList<const Event *>(), nullptr), &progress), 0);
-        QCOMPARE(progress.outcome(), -1);
+        toPdf(printer, earlier);
+        QCOMPARE(printOnThread(printer, EventsSelection::loaded(QList<const Event *>(), nullptr)), 1);
+        QCOMPARE(readPdf(earlier).pages, 1);
+        QCOMPARE(failing::besides(earlier), QStringList({"earlier.pdf"}));
     }
 };
 
