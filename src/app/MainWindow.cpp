@@ -545,7 +545,10 @@ void MainWindow::openLogClicked()
 
 void MainWindow::openLog(const QString &path)
 {
+    const QStringList recent = m_config->store().recentFiles();
     m_config->addRecentFile(path);
+    if (m_config->store().recentFiles() != recent)
+        m_config->writeConfig();
     for (int i = 0; i < ui->tabWidget->count(); ++i) {
         if (ui->tabWidget->tabText(i) == path) {
             ui->tabWidget->setCurrentIndex(i);
@@ -768,6 +771,7 @@ void MainWindow::addToFavoritesClicked()
         return;
     m_config->store().favoriteEvents().insert(id);
     fillFavorites();
+    m_config->writeConfig();
 }
 
 void MainWindow::removeFromFavoritesClicked()
@@ -777,6 +781,7 @@ void MainWindow::removeFromFavoritesClicked()
         return;
     m_config->store().favoriteEvents().erase(id);
     fillFavorites();
+    m_config->writeConfig();
 }
 
 void MainWindow::copyEvents()

@@ -37,6 +37,7 @@
 #include <QRadioButton>
 #include <QTimer>
 #include <QPointer>
+#include <QProcess>
 #include <QSpinBox>
 #include <QMenu>
 #include <QMenuBar>
@@ -56,6 +57,7 @@
 #include <QTreeView>
 
 #include <algorithm>
+#include <cstdio>
 #include <functional>
 #include <memory>
 
@@ -114,6 +116,54 @@ QString menuTitles(const QMenuBar *bar)
     return texts(bar->actions()).mid(0, 3).join(QLatin1Char(','));
 }
 
+// Waits until the tab has counted and shows its page.
+bool loaded(LogWidget *tab)
+{
+    return tab
+        && QTest::qWaitFor([tab] { return !tab->isLoading() && tab->eventCount() > 0 && tab->model()->rowCount() > 0; },
+                           10000);
+}
+
+// A row the table shows, halfway down: a followed journal shows its newest rows.
+int shownRow(LogWidget *tab)
+{
+    return tab->view()->rowAt(tab->view()->viewport()->height() / 2);
+}
+
+void clickRow(LogWidget *tab, int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+{
+    const QRect rect = tab->view()->visualRect(tab->model()->index(row, 1));
+    QTest::mouseClick(tab->view()->viewport(), Qt::LeftButton, modifiers, rect.center());
+}
+
+// A right click on the row, delivered through the window as the desktop delivers it,
+// and the entry of the menu it opens. The menu runs its own event loop: the entry is
+// clicked from a timer inside it.
+bool chooseFromContextMenu(LogWidget *tab, int row, const QString &entry)
+{
+    bool chosen = false;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        if (!menu)
+            return;
+        poll.stop();
+        for (QAction *action : menu->actions()) {
+            if (action->text() == entry && action->isEnabled()) {
+                QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier, menu->actionGeometry(action).center());
+                chosen = true;
+                return;
+            }
+        }
+        menu->close();
+    });
+    poll.start(10);
+    QWidget *viewport = tab->view()->viewport();
+    const QPoint at = viewport->mapTo(viewport->window(), tab->view()->visualRect(tab->model()->index(row, 1)).center());
+    QTest::mouseClick(viewport->window()->windowHandle(), Qt::RightButton, Qt::NoModifier, at);
+    return chosen;
+}
+
 // Answers the next file dialog with the path, typed; `accepted` runs once it took it.
 QTimer *answerFileDialog(QObject *owner, const QString &path, std::function<void()> accepted = {})
 {
@@ -169,6 +219,73 @@ QString creationRefusal(const QString &folder)
     }
     return qt_error_string(errno);
 }
+
+const char kChangeSettingsThenWait[] = "--change-settings-then-wait";
+
+// The child process of savedChangesSurviveAKill: a user sets the page size, adds a
+// favourite from a table's menu and opens a file, then the process says "ready" with
+// the favourite's ID and waits to be killed. Nothing it changed is saved at exit: it never
+// gets there.
+int changeSettingsThenWait(int argc, char **argv)
+{
+    const QString opened = QString::fromLocal8Bit(argv[2]);
+    QApplication app(argc, argv);
+    auto fail = [](const char *what) {
+        std::fprintf(stderr, "child: %s\n", what);
+        return 2;
+    };
+    MainWindow window;
+    window.show();
+    QApplication::setActiveWindow(&window);
+    if (!QTest::qWaitForWindowActive(&window))
+        return fail("the window never became active");
+    auto *tabs = window.findChild<QTabWidget *>(QStringLiteral("tabWidget"));
+    auto current = [tabs] { return qobject_cast<LogWidget *>(tabs->currentWidget()); };
+    if (!loaded(current()))
+        return fail("the main journal never showed");
+    // First: the settings dialog writes the whole store, which would carry the later
+    // changes along had they come before.
+    window.findChild<QAction *>(QStringLiteral("actionSettings"))->trigger();
+    auto *settings = window.findChild<JournalSettings *>();
+    if (!settings->isVisible() || !settings->isModal())
+        return fail("no modal settings dialog");
+    auto *perPage = settings->findChild<QSpinBox *>(QStringLiteral("messagesPerPage"));
+    perPage->setFocus();
+    QTest::keyClick(perPage, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(perPage, QStringLiteral("1500"));
+    QTest::mouseClick(settings->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok), Qt::LeftButton);
+    if (settings->isVisible())
+        return fail("the settings dialog stayed open");
+    if (!loaded(current()))
+        return fail("the journal never showed again in pages of the new size");
+
+    const int row = shownRow(current());
+    clickRow(current(), row);
+    if (!chooseFromContextMenu(current(), row, QStringLiteral("Filter by message ID")))
+        return fail("no \"Filter by message ID\" in the table's menu");
+    LogWidget *filtered = current();
+    if (!filtered->isFiltered() || !loaded(filtered))
+        return fail("no filtered tab");
+    const int filteredRow = shownRow(filtered);
+    clickRow(filtered, filteredRow);
+    const QString id = filtered->currentEvent() ? filtered->currentEvent()->messageId : QString();
+    if (id.isEmpty() || !chooseFromContextMenu(filtered, filteredRow, QStringLiteral("Add to favorites")))
+        return fail("no \"Add to favorites\" in the filtered table's menu");
+
+    // No window manager hands the focus back when the menu closes.
+    window.activateWindow();
+    if (!QTest::qWaitForWindowActive(&window))
+        return fail("the window never became active again");
+    answerFileDialog(&window, opened);
+    QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : &window, Qt::Key_O,
+                    Qt::ControlModifier);
+    if (!QTest::qWaitFor([&] { return tabs->tabText(tabs->currentIndex()) == opened; }))
+        return fail("the file was never opened");
+
+    std::printf("ready %s\n", qPrintable(id));
+    std::fflush(stdout);
+    return app.exec();
+}
 }
 
 class TestMainWindow : public QObject
@@ -189,13 +306,6 @@ class TestMainWindow : public QObject
     QMenu *menu(const char *name) { return window().findChild<QMenu *>(QLatin1String(name)); }
     LogWidget *current() { return qobject_cast<LogWidget *>(tabs()->currentWidget()); }
     ColumnChooser *chooser() { return window().findChild<ColumnChooser *>(QStringLiteral("columnChooser")); }
-
-    // Waits until the tab has counted and shows its page.
-    bool loaded(LogWidget *tab)
-    {
-        return QTest::qWaitFor([tab] { return !tab->isLoading() && tab->eventCount() > 0 && tab->model()->rowCount() > 0; },
-                               10000);
-    }
 
     LogWidget *openFile(const QString &path)
     {
@@ -244,12 +354,6 @@ class TestMainWindow : public QObject
         }
         QWidget *focus = QApplication::focusWidget();
         QTest::keyClick(focus ? focus : QApplication::activeWindow(), key, modifiers);
-    }
-
-    void clickRow(LogWidget *tab, int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-    {
-        const QRect rect = tab->view()->visualRect(tab->model()->index(row, 1));
-        QTest::mouseClick(tab->view()->viewport(), Qt::LeftButton, modifiers, rect.center());
     }
 
     // Answers the next file dialog with a new file of this name.
@@ -1073,6 +1177,33 @@ private Q_SLOTS:
         QCOMPARE(boxes.size(), 1);
     }
 
+    // Favourites, recent files and settings are saved when they change: a killed
+    // program leaves them for the next start. The changes are made in a child process,
+    // by its user, and the child is killed once they are made.
+    void savedChangesSurviveAKill()
+    {
+        const QString opened = copyOfJournal(QStringLiteral("opened-before-kill.log"));
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(), {QLatin1String(kChangeSettingsThenWait), opened});
+        QVERIFY(child.waitForStarted());
+        QByteArray said;
+        while (!said.contains('\n') && child.waitForReadyRead(60000))
+            said += child.readAllStandardOutput();
+        QVERIFY2(said.startsWith("ready "), child.readAllStandardError().constData());
+        const QString id = QString::fromUtf8(said.mid(6).trimmed());
+        child.kill();
+        QVERIFY(child.waitForFinished());
+        QCOMPARE(child.exitStatus(), QProcess::CrashExit);
+
+        QVERIFY(loaded(current()));
+        QVERIFY(texts(menu("menuFavoriteEvents")->actions()).contains(id));
+        QCOMPARE(texts(menu("menuRecentFiles")->actions()), QStringList({opened}));
+        action("actionSettings")->trigger();
+        auto *settings = window().findChild<JournalSettings *>();
+        QCOMPARE(settings->findChild<QSpinBox *>(QStringLiteral("messagesPerPage"))->value(), 1500);
+        QTest::mouseClick(settings->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Cancel), Qt::LeftButton);
+    }
+
     // A row of the summary double-clicked filters the journal by its priority and
     // source: the filtered tab holds as many events as the row counted in the week.
     void summaryRowsFilterTheJournal()
@@ -1363,6 +1494,9 @@ private Q_SLOTS:
 
 int main(int argc, char **argv)
 {
+    // The parent's system tree and settings folder come with the environment.
+    if (argc > 2 && qstrcmp(argv[1], kChangeSettingsThenWait) == 0)
+        return changeSettingsThenWait(argc, argv);
     QTemporaryDir sysroot;
     g_sysroot = &sysroot;
     if (!sysroot.isValid() || !makeSysroot())
