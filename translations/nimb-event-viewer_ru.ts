@@ -82,6 +82,14 @@
         <source>Search</source>
         <translation>Поиск</translation>
     </message>
+    <message>
+        <source>Event details</source>
+        <translation>Подробности события</translation>
+    </message>
+    <message>
+        <source>Applied filters</source>
+        <translation>Применённые фильтры</translation>
+    </message>
 </context>
 <context>
     <name>ColumnChooser</name>
@@ -95,6 +103,13 @@
     <message>
         <source>Not selected</source>
         <translation>Не выбрано</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigHandler</name>
+    <message>
+        <source>The settings could not be written in full to a temporary file.</source>
+        <translation>Не удалось полностью записать настройки во временный файл.</translation>
     </message>
 </context>
 <context>
@@ -199,6 +214,25 @@
     </message>
 </context>
 <context>
+    <name>EventsChoiceDialog</name>
+    <message>
+        <source>all events</source>
+        <translation>все события</translation>
+    </message>
+    <message>
+        <source>current page messages</source>
+        <translation>сообщения текущей страницы</translation>
+    </message>
+    <message>
+        <source>selected messages</source>
+        <translation>выбранные сообщения</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+</context>
+<context>
     <name>EventsDataCopier</name>
     <message>
         <source>Date and time</source>
@@ -282,24 +316,8 @@
         <translation>Экспорт событий</translation>
     </message>
     <message>
-        <source>all events</source>
-        <translation>все события</translation>
-    </message>
-    <message>
-        <source>current page messages</source>
-        <translation>сообщения текущей страницы</translation>
-    </message>
-    <message>
-        <source>selected messages</source>
-        <translation>выбранные сообщения</translation>
-    </message>
-    <message>
         <source>Export</source>
         <translation>Экспортировать</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Отмена</translation>
     </message>
 </context>
 <context>
@@ -526,6 +544,18 @@
         <source>Do you want to delete selected filter?</source>
         <translation>Удалить выбранный фильтр?</translation>
     </message>
+    <message>
+        <source>Period start</source>
+        <translation>Начало периода</translation>
+    </message>
+    <message>
+        <source>Period end</source>
+        <translation>Конец периода</translation>
+    </message>
+    <message>
+        <source>Find parameter</source>
+        <translation>Поиск параметра</translation>
+    </message>
 </context>
 <context>
     <name>JournalSettings</name>
@@ -706,6 +736,14 @@
     <message>
         <source>Events: %1</source>
         <translation>Событий: %1</translation>
+    </message>
+    <message>
+        <source>Events</source>
+        <translation>События</translation>
+    </message>
+    <message>
+        <source>No event happened at or after %1.</source>
+        <translation>Нет событий в %1 или позже.</translation>
     </message>
 </context>
 <context>
@@ -898,6 +936,18 @@
             <numerusform>Экспортировано %n событий в %1.</numerusform>
         </translation>
     </message>
+    <message>
+        <source>The settings could not be saved to %1.</source>
+        <translation>Не удалось сохранить настройки в %1.</translation>
+    </message>
+    <message>
+        <source>The events could not be printed to %1.</source>
+        <translation>Не удалось напечатать события в %1.</translation>
+    </message>
+    <message>
+        <source>The events could not be exported to %1.</source>
+        <translation>Не удалось экспортировать события в %1.</translation>
+    </message>
 </context>
 <context>
     <name>NotificationController</name>
@@ -948,6 +998,17 @@
         <source> of %1</source>
         <translation> из %1</translation>
     </message>
+    <message>
+        <source>Page number</source>
+        <translation>Номер страницы</translation>
+    </message>
+</context>
+<context>
+    <name>PrintedFile</name>
+    <message>
+        <source>The printout was cut short while it was being drawn.</source>
+        <translation>Печать прервалась, не успев завершиться.</translation>
+    </message>
 </context>
 <context>
     <name>PrinterDialog</name>
@@ -956,24 +1017,8 @@
         <translation>Печать событий</translation>
     </message>
     <message>
-        <source>all events</source>
-        <translation>все события</translation>
-    </message>
-    <message>
-        <source>current page messages</source>
-        <translation>сообщения текущей страницы</translation>
-    </message>
-    <message>
-        <source>selected messages</source>
-        <translation>выбранные сообщения</translation>
-    </message>
-    <message>
         <source>Print</source>
         <translation>Печать</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Отмена</translation>
     </message>
     <message>
         <source>Printing all messages</source>
@@ -1312,6 +1357,73 @@ Trying to print whole journal can cause lack of memory and undefined behavior of
     <message>
         <source>Text view</source>
         <translation>Просмотр текста</translation>
+    </message>
+    <message>
+        <source>Parameter value</source>
+        <translation>Значение параметра</translation>
+    </message>
+</context>
+<context>
+    <name>TimelineWidget</name>
+    <message>
+        <source>Events per hour or day</source>
+        <translation>События по часам или дням</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n events from %1 to %2.
+Emergency: %3
+Alert: %4
+Critical: %5
+Error: %6
+Warning: %7
+Notice: %8
+Info: %9
+Debug: %10
+Unknown priority: %11</source>
+        <translation>
+            <numerusform>%n событие с %1 по %2.
+Авария: %3
+Тревога: %4
+Критическая ошибка: %5
+Ошибка: %6
+Предупреждение: %7
+Уведомление: %8
+Информация: %9
+Отладка: %10
+Неизвестный приоритет: %11</numerusform>
+            <numerusform>%n события с %1 по %2.
+Авария: %3
+Тревога: %4
+Критическая ошибка: %5
+Ошибка: %6
+Предупреждение: %7
+Уведомление: %8
+Информация: %9
+Отладка: %10
+Неизвестный приоритет: %11</numerusform>
+            <numerusform>%n событий с %1 по %2.
+Авария: %3
+Тревога: %4
+Критическая ошибка: %5
+Ошибка: %6
+Предупреждение: %7
+Уведомление: %8
+Информация: %9
+Отладка: %10
+Неизвестный приоритет: %11</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Events per day</source>
+        <translation>События по дням</translation>
+    </message>
+    <message>
+        <source>Events per hour</source>
+        <translation>События по часам</translation>
+    </message>
+    <message>
+        <source>From %1 to %2</source>
+        <translation>С %1 по %2</translation>
     </message>
 </context>
 </TS>
