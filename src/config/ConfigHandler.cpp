@@ -232,6 +232,43 @@ const TextKey kTextKeysAfterDates[] = {
     {"Search ", &FilterPack::search},
 };
 
+// A priority's flag is keyed by the priority's word in the language the program ran in
+// when it wrote the filter. Every word a file may hold is known here, not only the running
+// language's, so that a filter saved under one language keeps its priorities under the
+// other, and under a catalogue that has since reworded one.
+struct PriorityWords {
+    Event::Priority priority;
+    const char *english;
+    const char *russian;
+};
+
+const PriorityWords kPriorityWords[] = {
+    {Event::Emergency, "emergency", "авария"},
+    {Event::Alert, "alert", "тревога"},
+    {Event::Critical, "critical", "критическая ошибка"},
+    {Event::Error, "error", "ошибка"},
+    {Event::Warning, "warning", "предупреждение"},
+    {Event::Notice, "notice", "уведомление"},
+    {Event::Info, "info", "информация"},
+    {Event::Debug, "debug", "отладка"},
+};
+
+// The running language's word first: it is the one this version writes.
+QStringList priorityWords(Event::Priority priority, const QString &current)
+{
+    QStringList words{current};
+    for (const PriorityWords &known : kPriorityWords) {
+        if (known.priority != priority)
+            continue;
+        for (const char *word : {known.english, known.russian}) {
+            const QString text = QString::fromUtf8(word);
+            if (!words.contains(text))
+                words.append(text);
+        }
+    }
+    return words;
+}
+
 void writeFilter(QSettings &settings, const FilterPack &pack, int index)
 {
     const FilterKeys keys(index);
@@ -249,8 +286,13 @@ void writeFilter(QSettings &settings, const FilterPack &pack, int index)
         settings.setValue(keys(it.key()), pack.eventTypes.contains(it.value()) ? 1 : 0);
     settings.endGroup();
     const QMap<Event::Priority, QString> &priorities = dictionary.priorities();
-    for (auto it = priorities.cbegin(); it != priorities.cend(); ++it)
+    for (auto it = priorities.cbegin(); it != priorities.cend(); ++it) {
+        // A flag left from a run in another language would contradict this one on reading.
+        const QStringList words = priorityWords(it.key(), it.value());
+        for (int i = 1; i < words.size(); ++i)
+            settings.remove(keys(words.at(i)));
         settings.setValue(keys(it.value()), pack.priorities.contains(int(it.key())) ? 1 : 0);
+    }
 
     for (const FlagKey &flag : kFlagKeys)
         settings.setValue(keys(QLatin1String(flag.key)), pack.*flag.flag);
@@ -297,7 +339,10 @@ FilterPack readFilter(QSettings &settings, int index)
     settings.endGroup();
     const QMap<Event::Priority, QString> &priorities = dictionary.priorities();
     for (auto it = priorities.cbegin(); it != priorities.cend(); ++it) {
-        if (flagSet(settings.value(keys(it.value()))))
+        const QStringList words = priorityWords(it.key(), it.value());
+        const auto stored = std::find_if(words.cbegin(), words.cend(),
+                                         [&](const QString &word) { return settings.contains(keys(word)); });
+        if (stored != words.cend() && flagSet(settings.value(keys(*stored))))
             pack.priorities.append(int(it.key()));
     }
 

@@ -1,10 +1,18 @@
 #include "AuxParRegistry.h"
 #include "ConfigHandler.h"
+#include "Dictionary.h"
+#include "Language.h"
 #include "LineParser.h"
 #include "NimbTestMain.h"
 #include "SystemPaths.h"
 
+#include <QProcess>
+#include <QTranslator>
+#include <QXmlStreamReader>
+
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -23,6 +31,49 @@ std::unique_ptr<Event> login(const char *before = "alice", const char *after = "
 {
     return LineParser::parseLine(QByteArray(kAlice).replace(before, after));
 }
+
+// The priority words of the Russian catalogue, by their English source words.
+QHash<QString, QString> russianPriorityWords()
+{
+    QFile file(QStringLiteral(NIMB_TEST_DATA_DIR "/../../translations/nimb-event-viewer_ru.ts"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("no Russian catalogue");
+    QHash<QString, QString> words;
+    QString context, source;
+    QXmlStreamReader xml(&file);
+    while (xml.readNext() != QXmlStreamReader::Invalid && !xml.atEnd()) {
+        if (!xml.isStartElement())
+            continue;
+        if (xml.name() == QLatin1String("name"))
+            context = xml.readElementText();
+        else if (xml.name() == QLatin1String("source"))
+            source = xml.readElementText();
+        else if (xml.name() == QLatin1String("translation") && context == QLatin1String("Dictionary"))
+            words.insert(source, xml.readElementText());
+    }
+    return words;
+}
+
+// Under Russian the program words the priorities as its catalogue does, and saves them so.
+class CatalogueWords : public QTranslator
+{
+public:
+    QString translate(const char *context, const char *source, const char *, int) const override
+    {
+        return qstrcmp(context, "Dictionary") == 0 ? m_words.value(QString::fromUtf8(source)) : QString();
+    }
+    bool isEmpty() const override { return false; }
+
+private:
+    const QHash<QString, QString> m_words = russianPriorityWords();
+};
+
+// Set for a run in the other language, which is to check that it really is in that language.
+const char kLanguageVariable[] = "NIMB_TEST_EXPECTED_LANGUAGE";
+
+const std::vector<std::pair<Event::Priority, const char *>> kEnglishPriorityWords{
+    {Event::Emergency, "emergency"}, {Event::Alert, "alert"}, {Event::Critical, "critical"}, {Event::Error, "error"},
+    {Event::Warning, "warning"},     {Event::Notice, "notice"}, {Event::Info, "info"},       {Event::Debug, "debug"}};
 }
 
 class TestConfigStore : public QObject
@@ -156,6 +207,95 @@ private slots:
         }
     }
 
+    // Priority flags are keyed by the words of the language the program ran in: a filter saved
+    // under the other language must select the same events here, and saving it again here must
+    // leave no flag of the other language to contradict the new ones.
+    void savedFilterKeepsItsCriteriaInTheOtherLanguage()
+    {
+        if (qEnvironmentVariableIsSet(kLanguageVariable))
+            QCOMPARE(Language::systemLanguageName(), qEnvironmentVariable(kLanguageVariable));
+        const Dictionary &dictionary = Dictionary::instance();
+        const QHash<QString, QString> russian = russianPriorityWords();
+        QHash<QString, QString> otherWords; // this language's word -> the other language's
+        for (const auto &[priority, source] : kEnglishPriorityWords) {
+            const QString english = QLatin1String(source);
+            const QString word = dictionary.priorityText(priority);
+            QVERIFY2(word == (Language::isRussian() ? russian.value(english) : english), qPrintable(word));
+            otherWords.insert(word, word == english ? russian.value(english) : english);
+            QVERIFY2(!otherWords.value(word).isEmpty() && otherWords.value(word) != word, qPrintable(word));
+        }
+
+        const QString auth = dictionary.eventTypeText(QStringLiteral("auth"));
+        const QString network = dictionary.eventTypeText(QStringLiteral("network"));
+        FilterPack severe, mild;
+        severe.checkPriorities = severe.checkEventTypes = mild.checkPriorities = mild.checkEventTypes = true;
+        severe.priorities = {Event::Emergency, Event::Critical, Event::Warning, Event::Info};
+        severe.eventTypes = {auth};
+        mild.priorities = {Event::Alert, Event::Error, Event::Notice, Event::Debug};
+        mild.eventTypes = {network, auth};
+        // Unused bounds, but valid: a file holding an invalid one is written afresh, which would
+        // hide keys left over.
+        for (FilterPack *pack : {&severe, &mild})
+            pack->from = pack->to = QDateTime(QDate(2024, 3, 1), QTime(10, 0), Qt::UTC);
+        ConfigStore store;
+        store.savedFilters() = {severe, mild};
+        ConfigHandler(store).writeConfig();
+        {
+            QSettings file(settingsFile(), QSettings::IniFormat);
+            file.beginGroup(QStringLiteral("Filters"));
+            for (const QString &index : {QStringLiteral("0"), QStringLiteral("1")}) {
+                for (auto it = otherWords.cbegin(); it != otherWords.cend(); ++it) {
+                    QVERIFY2(file.contains(it.key() + index), qPrintable(it.key()));
+                    file.setValue(it.value() + index, file.value(it.key() + index));
+                    file.remove(it.key() + index);
+                }
+            }
+        }
+        ConfigStore read = readFromDisk();
+        QCOMPARE(read.savedFilters().size(), 2);
+        QVERIFY(read.savedFilters().at(0) == severe && read.savedFilters().at(1) == mild);
+        // Counted on journal lines, each with its own priority word and type.
+        int passed[2] = {0, 0};
+        for (const char *priority : {"emerg", "alert", "crit", "err", "warning", "notice", "info", "debug"}) {
+            for (const char *type : {R"("type_en":"Authentication","type_ru":"Аутентификация")",
+                                     R"("type_en":"Network","type_ru":"Сеть")"}) {
+                const std::unique_ptr<Event> event = LineParser::parseLine(
+                    QByteArray(kAlice)
+                        .replace(R"("PRIORITY":"info")", QByteArray("\"PRIORITY\":\"") + priority + '"')
+                        .replace(R"("type_en":"Authentication")", type));
+                QVERIFY(event);
+                for (int i = 0; i < 2; ++i) {
+                    QCOMPARE(read.savedFilters().at(i).match(*event), store.savedFilters().at(i).match(*event));
+                    passed[i] += read.savedFilters().at(i).match(*event);
+                }
+            }
+        }
+        QVERIFY(passed[0] == 4 && passed[1] == 8);
+
+        read.savedFilters()[0].priorities = {Event::Debug};
+        ConfigHandler(read).writeConfig();
+        QSettings file(settingsFile(), QSettings::IniFormat);
+        for (auto it = otherWords.cbegin(); it != otherWords.cend(); ++it)
+            QVERIFY2(!file.contains(QStringLiteral("Filters/") + it.value() + QLatin1Char('0')), qPrintable(it.value()));
+        QCOMPARE(readFromDisk().savedFilters().at(0).priorities, QVector<int>{Event::Debug});
+    }
+
+    // The language is fixed for a process: the other language's run is a process of its own.
+    void savedFilterKeepsItsCriteriaInEitherLanguage()
+    {
+        const bool russian = Language::isRussian();
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("LC_ALL"), russian ? QStringLiteral("en_US.UTF-8") : QStringLiteral("ru_RU.UTF-8"));
+        environment.insert(QStringLiteral("LANGUAGE"), russian ? QStringLiteral("en") : QStringLiteral("ru"));
+        environment.insert(QLatin1String(kLanguageVariable), russian ? QStringLiteral("English") : QStringLiteral("Russian"));
+        QProcess other;
+        other.setProcessEnvironment(environment);
+        other.setProcessChannelMode(QProcess::MergedChannels);
+        other.start(QCoreApplication::applicationFilePath(), {QStringLiteral("savedFilterKeepsItsCriteriaInTheOtherLanguage")});
+        QVERIFY2(other.waitForFinished(60000), qPrintable(other.errorString()));
+        QVERIFY2(other.exitStatus() == QProcess::NormalExit && other.exitCode() == 0, other.readAll().constData());
+    }
+
     void writesLeaveEarlierKeysInPlace()
     {
         ConfigStore earlier;
@@ -217,5 +357,14 @@ private slots:
     }
 };
 
-NIMB_TEST_MAIN_WITH(TestConfigStore, QCoreApplication, NIMB_TEST_DATA_DIR "/config-sysroot")
+int main(int argc, char **argv)
+{
+    qputenv("NIMB_EVENT_VIEWER_SYSROOT", QByteArray(NIMB_TEST_DATA_DIR "/config-sysroot"));
+    QCoreApplication app(argc, argv);
+    CatalogueWords words;
+    if (Language::isRussian())
+        QCoreApplication::installTranslator(&words);
+    TestConfigStore test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "test_configstore.moc"
