@@ -71,16 +71,23 @@
         <translation>Приоритеты</translation>
     </message>
     <message>
-        <source>case sensitive</source>
-        <translation>с учётом регистра</translation>
-    </message>
-    <message>
-        <source>only whole words</source>
-        <translation>только слова целиком</translation>
-    </message>
-    <message>
         <source>Search</source>
         <translation>Поиск</translation>
+    </message>
+    <message>
+        <source>%1 (case sensitive, only whole words)</source>
+        <comment>searched keyword</comment>
+        <translation>%1 (с учётом регистра, только слова целиком)</translation>
+    </message>
+    <message>
+        <source>%1 (case sensitive)</source>
+        <comment>searched keyword</comment>
+        <translation>%1 (с учётом регистра)</translation>
+    </message>
+    <message>
+        <source>%1 (only whole words)</source>
+        <comment>searched keyword</comment>
+        <translation>%1 (только слова целиком)</translation>
     </message>
     <message>
         <source>Event details</source>
@@ -497,32 +504,12 @@
         <translation>Не выбран ни один тип событий.</translation>
     </message>
     <message>
-        <source>is empty.</source>
-        <translation>— пустое значение.</translation>
-    </message>
-    <message>
-        <source>is a part of</source>
-        <translation>является частью</translation>
-    </message>
-    <message>
         <source>No message priorities selected.</source>
         <translation>Не выбран ни один приоритет сообщений.</translation>
     </message>
     <message>
         <source>The search field is empty</source>
         <translation>Поле поиска не заполнено</translation>
-    </message>
-    <message>
-        <source> is empty.</source>
-        <translation> — пустое значение.</translation>
-    </message>
-    <message>
-        <source> is incorrect.</source>
-        <translation> — некорректное значение.</translation>
-    </message>
-    <message>
-        <source>Event_Log_Filter_</source>
-        <translation>Фильтр_журнала_событий_</translation>
     </message>
     <message>
         <source>Filter saving</source>
@@ -543,6 +530,26 @@
     <message>
         <source>Do you want to delete selected filter?</source>
         <translation>Удалить выбранный фильтр?</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is empty.</source>
+        <comment>a field&apos;s value</comment>
+        <translation>«%1» — пустое значение.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is a part of &quot;%2&quot;.</source>
+        <comment>the first field&apos;s text occurs in the second&apos;s</comment>
+        <translation>«%1» является частью «%2».</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is incorrect.</source>
+        <comment>a field&apos;s value</comment>
+        <translation>«%1» — некорректное значение.</translation>
+    </message>
+    <message>
+        <source>Event_Log_Filter_%1</source>
+        <comment>proposed name of a saved filter</comment>
+        <translation>Фильтр_журнала_событий_%1</translation>
     </message>
     <message>
         <source>Period start</source>
@@ -634,22 +641,6 @@
         <translation>неизвестно</translation>
     </message>
     <message>
-        <source>gigabytes</source>
-        <translation>ГБ</translation>
-    </message>
-    <message>
-        <source>megabytes</source>
-        <translation>МБ</translation>
-    </message>
-    <message>
-        <source>bytes</source>
-        <translation>байт</translation>
-    </message>
-    <message>
-        <source>kilobytes</source>
-        <translation>КБ</translation>
-    </message>
-    <message>
         <source>Malformed lines:</source>
         <translation>Повреждённые строки:</translation>
     </message>
@@ -677,6 +668,48 @@
             <numerusform>%n пропущены</numerusform>
             <numerusform>%n пропущено</numerusform>
         </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n kilobytes</source>
+        <translation>
+            <numerusform>%n КБ</numerusform>
+            <numerusform>%n КБ</numerusform>
+            <numerusform>%n КБ</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n megabytes</source>
+        <translation>
+            <numerusform>%n МБ</numerusform>
+            <numerusform>%n МБ</numerusform>
+            <numerusform>%n МБ</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n gigabytes</source>
+        <translation>
+            <numerusform>%n ГБ</numerusform>
+            <numerusform>%n ГБ</numerusform>
+            <numerusform>%n ГБ</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n bytes</source>
+        <translation>
+            <numerusform>%n байт</numerusform>
+            <numerusform>%n байта</numerusform>
+            <numerusform>%n байт</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 gigabytes</source>
+        <comment>a size, possibly fractional</comment>
+        <translation>%1 ГБ</translation>
+    </message>
+    <message>
+        <source>%1 megabytes</source>
+        <comment>a size, possibly fractional</comment>
+        <translation>%1 МБ</translation>
     </message>
 </context>
 <context>

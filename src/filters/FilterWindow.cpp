@@ -31,6 +31,11 @@ bool fullyChecked(const QCheckBox *box)
     return box->checkState() == Qt::Checked;
 }
 
+QString emptyFieldMessage(const QString &field)
+{
+    return FilterWindow::tr("\"%1\" is empty.", "a field's value").arg(field);
+}
+
 // Rows of check box and editor in two columns, filled top to bottom, so that the
 // long list of parameters needs half the scrolling.
 template<typename Box>
@@ -352,17 +357,18 @@ QString FilterWindow::validationMessage() const
         && std::none_of(m_typeItems.cbegin(), m_typeItems.cend(), [](const EventTypeItem *item) { return item->isChecked(); }))
         return tr("No event types selected.");
 
-    const QString quotedEmpty = QStringLiteral("\"%1\" %2");
+    // Each message is one sentence, so that a translation may put the field's name where its
+    // language wants it.
     const bool contains = fullyChecked(ui->checkBoxNameContains);
     const bool excludes = fullyChecked(ui->checkBoxNameExcludes);
     if (contains && ui->nameContains->text().isEmpty())
-        return quotedEmpty.arg(ui->checkBoxNameContains->text(), tr("is empty."));
+        return emptyFieldMessage(ui->checkBoxNameContains->text());
     if (excludes && ui->nameExcludes->text().isEmpty())
-        return quotedEmpty.arg(ui->checkBoxNameExcludes->text(), tr("is empty."));
+        return emptyFieldMessage(ui->checkBoxNameExcludes->text());
     // No name could contain the one text and lack a part of it.
     if (contains && excludes && ui->nameContains->text().contains(ui->nameExcludes->text(), Qt::CaseSensitive))
-        return QStringLiteral("\"%1\" %2 \"%3\".")
-            .arg(ui->checkBoxNameExcludes->text(), tr("is a part of"), ui->checkBoxNameContains->text());
+        return tr("\"%1\" is a part of \"%2\".", "the first field's text occurs in the second's")
+            .arg(ui->checkBoxNameExcludes->text(), ui->checkBoxNameContains->text());
 
     if (fullyChecked(ui->checkBoxPriority)
         && std::none_of(m_priorityItems.cbegin(), m_priorityItems.cend(), [](const PriorityItem *item) { return item->isChecked(); }))
@@ -371,20 +377,19 @@ QString FilterWindow::validationMessage() const
         return tr("The search field is empty");
 
     static const QRegularExpression labelPattern(QStringLiteral("\\d+:\\d+:\\d+:\\d+:\\d+"));
-    const QString quoted = QStringLiteral("\"%1\"%2");
     for (const AuxParCheckBox *box : m_auxBoxes) {
         if (!fullyChecked(box))
             continue;
         if (box->valueIsEmpty())
-            return quoted.arg(box->text(), tr(" is empty."));
+            return emptyFieldMessage(box->text());
         const QString key = box->key();
         if ((key == QLatin1String("obj") || key == QLatin1String("subj"))
             && !labelPattern.match(box->value().toString()).hasMatch())
-            return quoted.arg(box->text(), tr(" is incorrect."));
+            return tr("\"%1\" is incorrect.", "a field's value").arg(box->text());
     }
     for (const AuxParCustomCheckBox *box : m_customBoxes) {
         if (fullyChecked(box) && box->valueIsEmpty())
-            return quoted.arg(box->text(), tr(" is empty."));
+            return emptyFieldMessage(box->text());
     }
     return QString();
 }
@@ -423,9 +428,10 @@ int FilterWindow::chosenFilterIndex() const
 
 QString FilterWindow::proposedFilterName() const
 {
-    const QString prefix = tr("Event_Log_Filter_");
+    // The number is a placeholder, so that a language may put it elsewhere in the name.
+    const QString pattern = tr("Event_Log_Filter_%1", "proposed name of a saved filter");
     for (int n = 0;; ++n) {
-        const QString name = prefix + QString::number(n);
+        const QString name = pattern.arg(n);
         if (savedFilterIndex(name) < 0)
             return name;
     }

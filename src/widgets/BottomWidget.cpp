@@ -9,13 +9,18 @@
 
 #include <QCoreApplication>
 #include <QHeaderView>
+#include <QLocale>
 
 #include <algorithm>
 #include <memory>
 
 namespace
 {
-const QString kDateFormat = QStringLiteral("dd.MM.yyyy hh:mm");
+// The bounds in the user's own way of writing dates, to the minute as the filter window sets them.
+QString boundText(const QDateTime &bound)
+{
+    return QLocale().toString(bound, QLocale::ShortFormat);
+}
 
 using Row = QPair<QString, QString>;
 
@@ -99,9 +104,9 @@ void BottomWidget::showFilter(const FilterPack &filter)
 {
     QVector<Row> rows;
     if (filter.checkFrom)
-        rows.append({tr("From"), filter.from.toString(kDateFormat)});
+        rows.append({tr("From"), boundText(filter.from)});
     if (filter.checkTo)
-        rows.append({tr("To"), filter.to.toString(kDateFormat)});
+        rows.append({tr("To"), boundText(filter.to)});
     if (filter.checkId)
         rows.append({tr("Message ID"), filter.id});
     if (filter.checkEventTypes) {
@@ -143,14 +148,14 @@ void BottomWidget::showFilter(const FilterPack &filter)
     rows += conditions;
 
     if (filter.checkSearch) {
-        QStringList options;
-        if (filter.caseSensitive)
-            options.append(tr("case sensitive"));
-        if (filter.wholeWord)
-            options.append(tr("only whole words"));
+        // One text per combination of options, so that a translation words each as a whole.
         QString text = filter.search;
-        if (!options.isEmpty())
-            text += QStringLiteral(" (") + options.join(QStringLiteral(", ")) + QLatin1Char(')');
+        if (filter.caseSensitive && filter.wholeWord)
+            text = tr("%1 (case sensitive, only whole words)", "searched keyword").arg(filter.search);
+        else if (filter.caseSensitive)
+            text = tr("%1 (case sensitive)", "searched keyword").arg(filter.search);
+        else if (filter.wholeWord)
+            text = tr("%1 (only whole words)", "searched keyword").arg(filter.search);
         rows.append({tr("Search"), text});
     }
 

@@ -6,18 +6,57 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
 #include <QScreen>
 
 #include <algorithm>
+#include <limits>
 
 namespace
 {
 constexpr int kWidestPathChars = 90;
 
+// The one fixed form the dialog has always shown, in English whatever the language: Qt's
+// own text form would mix the locale's day and month names into the English order.
 // Not every file system records a birth time.
 QString timeText(const QDateTime &time)
 {
-    return time.isValid() ? time.toString(Qt::TextDate) : LogInfoWindow::tr("unknown");
+    return time.isValid() ? QLocale::c().toString(time, QStringLiteral("ddd MMM d HH:mm:ss yyyy"))
+                          : LogInfoWindow::tr("unknown");
+}
+
+QString unitsTextOf(int n, qint32 kind)
+{
+    switch (kind) {
+    case LogInfoWindow::SizeKilobytes:
+        return LogInfoWindow::tr("%n kilobytes", "", n);
+    case LogInfoWindow::SizeMegabytes:
+        return LogInfoWindow::tr("%n megabytes", "", n);
+    case LogInfoWindow::SizeGigabytes:
+        return LogInfoWindow::tr("%n gigabytes", "", n);
+    default:
+        return LogInfoWindow::tr("%n bytes", "", n);
+    }
+}
+
+// A whole number of units counts, and so picks the plural form of its unit.
+QString unitsText(quint64 count, qint32 kind)
+{
+    if (count <= quint64(std::numeric_limits<int>::max()))
+        return unitsTextOf(int(count), kind);
+    // Plural forms take an int. A stand-in with the same last six digits takes the
+    // same form in every language the rules know, and is then swapped for the count.
+    const int standIn = int(count % 1000000 + 1000000);
+    return unitsTextOf(standIn, kind).replace(QString::number(standIn), QString::number(count));
+}
+
+// A fraction of a unit keeps the plural the dialog has always used in English; the
+// decimal separator is the user's.
+QString fractionText(double units)
+{
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator);
+    return locale.toString(units, 'g', 6);
 }
 
 // The rotation file names logs by their system paths; a test or demo tree prefixes
@@ -110,31 +149,26 @@ LogInfoWindow::Rotation LogInfoWindow::readRotation(const QString &logrotateFile
 
 QString LogInfoWindow::sizeText(quint64 bytes)
 {
-    const QString pattern = QStringLiteral("%1 %2");
     // Uneven on purpose: a unit is used only once the size is more than one whole of it.
     const double gigabytes = double(bytes) / 1073741824.0;
     if (gigabytes > 1.0)
-        return pattern.arg(QString::number(gigabytes, 'g', 6), tr("gigabytes"));
+        return tr("%1 gigabytes", "a size, possibly fractional").arg(fractionText(gigabytes));
     const double megabytes = double(bytes) / 1048576.0;
     if (megabytes > 1.0)
-        return pattern.arg(QString::number(megabytes, 'g', 6), tr("megabytes"));
+        return tr("%1 megabytes", "a size, possibly fractional").arg(fractionText(megabytes));
     if (bytes < 2048)
-        return pattern.arg(QString::number(bytes), tr("bytes"));
-    return pattern.arg(QString::number(bytes >> 10), tr("kilobytes"));
+        return unitsText(bytes, SizeBytes);
+    return unitsText(bytes >> 10, SizeKilobytes);
 }
 
 QString LogInfoWindow::rotationText(const Rotation &rotation)
 {
-    const QString pattern = QStringLiteral("%1 %2");
     switch (rotation.kind) {
     case SizeBytes:
-        return pattern.arg(QString::number(rotation.size), tr("bytes"));
     case SizeKilobytes:
-        return pattern.arg(QString::number(rotation.size), tr("kilobytes"));
     case SizeMegabytes:
-        return pattern.arg(QString::number(rotation.size), tr("megabytes"));
     case SizeGigabytes:
-        return pattern.arg(QString::number(rotation.size), tr("gigabytes"));
+        return unitsText(quint64(rotation.size), rotation.kind);
     case Daily:
         return tr("daily");
     case Weekly:

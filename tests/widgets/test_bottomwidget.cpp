@@ -118,8 +118,8 @@ private slots:
         QVERIFY(panel.filters->width() < panel.parameters->width());
         QCOMPARE(headers(panel.filters), (QStringList{QStringLiteral("Filter name"), QStringLiteral("Filter value")}));
         const views::Rows expected{
-            {QStringLiteral("From"), QStringLiteral("01.03.2024 10:15")},
-            {QStringLiteral("To"), QStringLiteral("02.03.2024 18:30")},
+            {QStringLiteral("From"), QStringLiteral("3/1/24 10:15 AM")},
+            {QStringLiteral("To"), QStringLiteral("3/2/24 6:30 PM")},
             {QStringLiteral("Message ID"), QStringLiteral("auth-login")},
             {QStringLiteral("Event type"), QStringLiteral("Authorisation, Network")},
             {QStringLiteral("Custom events"), QStringLiteral("yes")},
@@ -138,6 +138,19 @@ private slots:
             {QStringLiteral("Search"), QStringLiteral("sshd (only whole words)")},
         };
         QCOMPARE(views::tableRows(panel.filters), expected);
+
+        // The bounds are written the user's way; the search's options are worded with the keyword.
+        const QLocale previous;
+        QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
+        const auto restore = qScopeGuard([&] { QLocale::setDefault(previous); });
+        filter.caseSensitive = true;
+        panel.widget.showFilter(filter);
+        views::Rows rows = views::tableRows(panel.filters);
+        QCOMPARE(rows.first(), qMakePair(QStringLiteral("From"), QStringLiteral("01.03.2024 10:15")));
+        QCOMPARE(rows.last(), qMakePair(QStringLiteral("Search"), QStringLiteral("sshd (case sensitive, only whole words)")));
+        filter.wholeWord = false;
+        panel.widget.showFilter(filter);
+        QCOMPARE(views::tableRows(panel.filters).last().second, QStringLiteral("sshd (case sensitive)"));
     }
 
     void onlyActiveCriteriaHaveRows()

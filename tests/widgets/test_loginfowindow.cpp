@@ -1,5 +1,6 @@
 #include "LogInfoWindow.h"
 #include "NimbTestMain.h"
+#include "NimbTranslator.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -54,7 +55,8 @@ public:
     {
         if (qstrcmp(context, "LogInfoWindow") != 0)
             return QString();
-        return QStringLiteral("[%1|%2]").arg(QString::fromUtf8(source)).arg(n);
+        // Not arg(): the source's own placeholders are the program's to fill.
+        return QLatin1Char('[') + QString::fromUtf8(source) + QLatin1Char('|') + QString::number(n) + QLatin1Char(']');
     }
     bool isEmpty() const override { return false; }
 };
@@ -101,6 +103,7 @@ private slots:
         QTest::newRow("unit apart: three parts") << path + "\n{\nsize 5 G\n}\n" << "";
         QTest::newRow("not a number") << path + "\n{\nsize 10M\nsize abc\n}\n" << "";
         QTest::newRow("later size wins") << path + "\n{\nsize 10M\nsize 3K\n}\n" << "3 kilobytes";
+        QTest::newRow("count beyond int") << path + "\n{\nsize 4000000021\n}\n" << "4000000021 bytes";
         QTest::newRow("period before the path") << "weekly\n" + path + "\n{\nmissingok\n}\n" << "";
         QTest::newRow("period ends the scan") << path + "\n{\nweekly\nsize 10M\n}\n" << "weekly";
         QTest::newRow("period replaces a size") << path + "\n{\nsize 10M\nmonthly\n}\n" << "monthly";
@@ -207,8 +210,9 @@ private slots:
         QVERIFY(!rowShown(dialog, "labelMalformed", "malformed"));
     }
 
-    // Every word the dialog shows is the catalogue's, the rotation periods included, and
-    // the count of skipped lines picks its plural form.
+    // Every text the dialog shows is one message of the catalogue, the rotation periods
+    // included, and every whole count picks its plural form: a number and its unit word are
+    // one message, so that a language may order and inflect them.
     void textsGoThroughTheCatalogue()
     {
         MarkingTranslator translator;
@@ -224,6 +228,34 @@ private slots:
             QCOMPARE(labelText(dialog, "rotation"), QStringLiteral("[%1|-1]").arg(periods[i]));
         }
         QCOMPARE(labelText(dialog, "malformed"), QStringLiteral("[5 skipped|5]"));
+        QCOMPARE(labelText(dialog, "size"), QStringLiteral("[0 bytes|0]"));
+
+        const QStringList units{"bytes", "kilobytes", "megabytes", "gigabytes"};
+        for (int i = 0; i < units.size(); ++i) {
+            info.rotation = {LogInfoWindow::SizeBytes + i, 1};
+            dialog.fill(info);
+            QCOMPARE(labelText(dialog, "rotation"), QStringLiteral("[1 %1|1]").arg(units[i]));
+        }
+        QCOMPARE(LogInfoWindow::sizeText(5 * 1024), QStringLiteral("[5 kilobytes|5]"));
+        // A fraction is no count: its unit keeps the plural.
+        QCOMPARE(LogInfoWindow::sizeText(1048577), QStringLiteral("[1 megabytes|-1]"));
+        QCOMPARE(LogInfoWindow::sizeText(quint64(1073741824) * 3 / 2), QStringLiteral("[1.5 gigabytes|-1]"));
+    }
+
+    // Numbers are written the user's way, the times in the one fixed English form.
+    void fractionsFollowTheLocale()
+    {
+        const QLocale previous;
+        QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
+        const auto restore = qScopeGuard([&] { QLocale::setDefault(previous); });
+        QCOMPARE(LogInfoWindow::sizeText(3670016), QStringLiteral("3,5 megabytes"));
+        QCOMPARE(LogInfoWindow::sizeText(quint64(1073741824) * 5120), QStringLiteral("5120 gigabytes"));
+
+        LogInfoWindow dialog;
+        LogInfoWindow::LogFileInfo info;
+        info.lastModified = QDateTime(QDate(2024, 3, 1), QTime(9, 5, 7));
+        dialog.fill(info);
+        QCOMPARE(labelText(dialog, "modified"), QStringLiteral("Fri Mar 1 09:05:07 2024"));
     }
 
     void demoTreeRotatesWeekly()
@@ -232,6 +264,18 @@ private slots:
         dialog.fill(QStringLiteral(NIMB_DEMO_DIR "/sysroot") + kLog, true);
         QCOMPARE(labelText(dialog, "rotation"), QStringLiteral("weekly"));
         QVERIFY(rotationShown(dialog));
+    }
+
+    // Last, as the program's catalogue stays installed: English is no translation, but its
+    // counts need their singular.
+    void englishCountsTakeTheirSingular()
+    {
+        QVERIFY(!nimbTranslatorInstall(QStringLiteral("nimb-event-viewer")));
+        QCOMPARE(LogInfoWindow::rotationText({LogInfoWindow::SizeMegabytes, 1}), QStringLiteral("1 megabyte"));
+        QCOMPARE(LogInfoWindow::rotationText({LogInfoWindow::SizeMegabytes, 21}), QStringLiteral("21 megabytes"));
+        QCOMPARE(LogInfoWindow::sizeText(1), QStringLiteral("1 byte"));
+        // A fraction is no count: its unit keeps the plural.
+        QCOMPARE(LogInfoWindow::sizeText(1048577), QStringLiteral("1 megabytes"));
     }
 };
 
