@@ -33,7 +33,7 @@ private slots:
         const auto inLanguage = [russian](const char *english, const char *translated) {
             return QString::fromUtf8(russian ? translated : english);
         };
-        // No English catalogue exists: the source texts are English.
+        // English has only its plural forms: the source texts are English and nothing is translated.
         QCOMPARE(nimbTranslatorInstall(QStringLiteral("nimb-event-viewer")), russian);
         QVERIFY(!nimbTranslatorInstall(QStringLiteral("nimb-no-such-catalogue")));
         for (const auto &[context, text, translated] :
