@@ -6,6 +6,7 @@
 #include "Dictionary.h"
 #include "Event.h"
 #include "FilterPack.h"
+#include "HighlightDelegate.h"
 
 #include <QCoreApplication>
 #include <QHeaderView>
@@ -73,9 +74,12 @@ QString priorityList(QVector<int> priorities)
 }
 }
 
-BottomWidget::BottomWidget(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::BottomWidget>())
+BottomWidget::BottomWidget(QWidget *parent)
+    : QWidget(parent), ui(std::make_unique<Ui::BottomWidget>()), m_highlight(new HighlightDelegate(this))
 {
     ui->setupUi(this);
+    // Labels are not searched by the filter; only the values can hold its keyword.
+    ui->tableWidget->setItemDelegateForColumn(1, m_highlight);
     for (QTableWidget *table : {ui->tableWidget, ui->filtersTable}) {
         table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
         table->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
@@ -102,6 +106,8 @@ void BottomWidget::showEventDetails(const Event *event)
 
 void BottomWidget::showFilter(const FilterPack &filter)
 {
+    m_highlight->setMatcher(KeywordMatcher(filter));
+    ui->tableWidget->viewport()->update();
     QVector<Row> rows;
     if (filter.checkFrom)
         rows.append({tr("From"), boundText(filter.from)});

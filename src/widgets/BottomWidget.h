@@ -6,6 +6,7 @@
 
 class Event;
 class FilterPack;
+class HighlightDelegate;
 
 namespace Ui
 {
@@ -23,9 +24,11 @@ public:
 
     // Null clears the parameter table.
     void showEventDetails(const Event *event);
-    // One row per active criterion; an unfiltered tab passes a default pack.
+    // One row per active criterion; an unfiltered tab passes a default pack. The
+    // filter's keyword is marked in the parameter values.
     void showFilter(const FilterPack &filter);
 
 private:
     std::unique_ptr<Ui::BottomWidget> ui;
+    HighlightDelegate *m_highlight;
 };

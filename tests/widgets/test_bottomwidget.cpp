@@ -1,5 +1,6 @@
 #include "BottomWidget.h"
 #include "FilterPack.h"
+#include "HighlightProbe.h"
 #include "NimbTestMain.h"
 #include "ViewsFixture.h"
 
@@ -180,6 +181,35 @@ private slots:
         panel.widget.showFilter(FilterPack());
         QCOMPARE(panel.filters->rowCount(), 0);
         QVERIFY(!panel.filters->isVisible());
+    }
+
+    void keywordIsMarkedInParameterValues()
+    {
+        Panel panel;
+        panel.widget.resize(900, 900);
+        highlight::usePlainPalette(panel.parameters);
+        const QJsonObject extra{{QStringLiteral("user"), QStringLiteral("Alice")}};
+        const std::unique_ptr<Event> event(views::event(views::line(QStringLiteral("auth-login"), QStringLiteral("info"), extra)));
+        FilterPack filter;
+        filter.checkSearch = true;
+        filter.search = QStringLiteral("alice");
+        filter.wholeWord = true;
+        panel.widget.showFilter(filter);
+        panel.widget.showEventDetails(event.get());
+        const int user = views::rowOf(views::tableRows(panel.parameters), QStringLiteral("User"));
+        QVERIFY(user >= 0);
+        QCOMPARE(highlight::markedRows(panel.parameters, 1), QVector<int>{user});
+        QCOMPARE(highlight::markedRows(panel.parameters, 0), QVector<int>());
+
+        filter.caseSensitive = true;
+        panel.widget.showFilter(filter);
+        QCOMPARE(highlight::markedRows(panel.parameters, 1), QVector<int>());
+        filter.search = QStringLiteral("Alice");
+        panel.widget.showFilter(filter);
+        QCOMPARE(highlight::markedRows(panel.parameters, 1), QVector<int>{user});
+        // An unfiltered tab marks nothing.
+        panel.widget.showFilter(FilterPack());
+        QCOMPARE(highlight::markedRows(panel.parameters, 1), QVector<int>());
     }
 };
 

@@ -108,8 +108,15 @@ private slots:
         QTRY_COMPARE(tab.model()->rowCount(), 3);
         EventsView *view = tab.view();
         view->setHighlight(filter);
+        // The clicked event's parameters below are marked by the tab's own filter.
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(tab.model()->index(1, Name)).center());
+        auto *parameters = tab.findChild<QTableWidget *>(QStringLiteral("tableWidget"));
+        QTRY_VERIFY(parameters->rowCount() > 0);
         QVERIFY(QDir().mkpath(QStringLiteral(NIMB_SCREENSHOT_DIR)));
         QVERIFY(tab.grab().save(QStringLiteral(NIMB_SCREENSHOT_DIR "/highlight.png")));
+        highlight::usePlainPalette(parameters);
+        QCOMPARE(highlight::markedRows(parameters, 1),
+                 QVector<int>{views::rowOf(views::tableRows(parameters), QStringLiteral("Event name"))});
 
         highlight::usePlainPalette(view);
         const auto marks = [view] {
