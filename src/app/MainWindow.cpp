@@ -11,6 +11,7 @@
 #include "EventsSelection.h"
 #include "FavoriteIdsEditor.h"
 #include "FilterWindow.h"
+#include "GoToTimeDialog.h"
 #include "JournalSettings.h"
 #include "LogInfoWindow.h"
 #include "NotificationController.h"
@@ -123,6 +124,13 @@ void MainWindow::createDialogs()
     connect(m_filterWindow, &FilterWindow::applyFilters, this, &MainWindow::applyFilter);
     connect(m_filterWindow, &FilterWindow::saveConfig, m_config, &ConfigHandler::writeConfig);
     connect(m_config, &ConfigHandler::configWritten, m_filterWindow, &FilterWindow::updateSavedFilters);
+
+    m_goToTimeDialog = new GoToTimeDialog(this);
+    m_goToTimeDialog->setWindowModality(Qt::WindowModal);
+    connect(m_goToTimeDialog, &QDialog::accepted, this, [this] {
+        if (LogWidget *tab = currentLog())
+            tab->goToTime(m_goToTimeDialog->dateTime());
+    });
 
     m_summaryDialog = new SummaryDialog(m_config->store().mainLogPath(), this);
     m_summaryDialog->setWindowModality(Qt::WindowModal);
@@ -280,6 +288,16 @@ void MainWindow::createActions()
                                 QStringLiteral("view-list-text"));
     // Does nothing while a summary is being counted.
     connect(m_summaryAction, &QAction::triggered, m_summaryDialog, &SummaryDialog::requestSummary);
+
+    m_goToTimeAction = makeAction(QStringLiteral("actionGoToTime"), tr("Go to time…"), tr("Go to time"),
+                                 QStringLiteral("go-jump"), QKeySequence(Qt::CTRL | Qt::Key_G));
+    connect(m_goToTimeAction, &QAction::triggered, this, &MainWindow::goToTimeClicked);
+
+    m_showTimelineAction = makeAction(QStringLiteral("actionShowTimeline"), tr("Show timeline"), tr("Show timeline"),
+                                     QStringLiteral("view-statistics"));
+    m_showTimelineAction->setCheckable(true);
+    m_showTimelineAction->setChecked(m_config->store().showTimeline());
+    connect(m_showTimelineAction, &QAction::toggled, this, &MainWindow::showTimelineChecked);
 }
 
 void MainWindow::createMenus()
@@ -308,6 +326,7 @@ void MainWindow::createMenus()
     m_savedFiltersMenu->setObjectName(QStringLiteral("menuSavedFilters"));
     log->addAction(m_summaryAction);
     log->addAction(m_logInfoAction);
+    log->addAction(m_goToTimeAction);
     log->addSeparator();
     m_favoritesMenu = log->addMenu(tr("Favorite events"));
     m_favoritesMenu->setObjectName(QStringLiteral("menuFavoriteEvents"));
@@ -316,6 +335,7 @@ void MainWindow::createMenus()
     settings->setObjectName(QStringLiteral("menuSettings"));
     settings->addAction(m_settingsAction);
     settings->addAction(m_showDetailsAction);
+    settings->addAction(m_showTimelineAction);
 
     menuBar()->addMenu((new NimbHelpMenu(this))->menu());
 
@@ -624,6 +644,7 @@ void MainWindow::on_tabWidget_currentChanged(int index)
         return;
     tab->setVisibleColumns(m_columnChooser->checkedTypes(), m_columnChooser->checkedCustomNames());
     tab->setBottomVisible(m_showDetailsAction->isChecked());
+    tab->setTimelineVisible(m_showTimelineAction->isChecked());
     m_refreshLogAction->setEnabled(tab->isCleared());
     setFeedbackMessage();
     updateReadingActions();
@@ -673,13 +694,35 @@ void MainWindow::updateJournalActions()
 {
     const LogWidget *tab = currentLog();
     const bool readable = tab && tab->isReadable();
-    for (QAction *action : {m_summaryAction, m_printAction, m_exportAction, m_filterAction, m_filterByIdAction})
+    for (QAction *action :
+         {m_summaryAction, m_printAction, m_exportAction, m_filterAction, m_filterByIdAction, m_goToTimeAction})
         action->setEnabled(readable);
     m_savedFiltersMenu->setEnabled(readable && !m_savedFiltersMenu->isEmpty());
     const auto favorites = m_favoritesMenu->actions();
     for (QAction *action : favorites) {
         if (action != m_editListAction)
             action->setEnabled(readable);
+    }
+}
+
+void MainWindow::goToTimeClicked()
+{
+    const LogWidget *tab = currentLog();
+    if (!tab || !tab->isReadable())
+        return;
+    // From the event in view, so that a nearby time is a few keystrokes away.
+    const Event *event = tab->currentEvent();
+    m_goToTimeDialog->setDateTime(event && event->time.isValid() ? event->time : QDateTime::currentDateTime());
+    m_goToTimeDialog->open();
+}
+
+void MainWindow::showTimelineChecked(bool checked)
+{
+    m_config->store().showTimeline() = checked;
+    m_config->writeConfig();
+    for (int i = 0; i < ui->tabWidget->count(); ++i) {
+        if (LogWidget *tab = logAt(i))
+            tab->setTimelineVisible(checked);
     }
 }
 

@@ -29,6 +29,7 @@ class LogWidget;
 class NotificationController;
 class OutputProgress;
 class SummaryDialog;
+class GoToTimeDialog;
 class QAction;
 class QMenu;
 class QProgressBar;
@@ -79,6 +80,8 @@ protected:
 private:
     void createStatusBar();
     void createDialogs();
+    void goToTimeClicked();
+    void showTimelineChecked(bool checked);
     void createActions();
     void createMenus();
     void createToolBar();
@@ -201,6 +204,9 @@ private:
     QAction *m_startReadingAction = nullptr;
     QAction *m_stopReadingAction = nullptr;
     QAction *m_summaryAction = nullptr;
+    QAction *m_goToTimeAction = nullptr;
+    QAction *m_showTimelineAction = nullptr;
+    GoToTimeDialog *m_goToTimeDialog = nullptr;
 
     int m_mainTabIndex = 0;
     QMetaObject::Connection m_firstPage;

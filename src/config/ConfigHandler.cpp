@@ -547,6 +547,7 @@ void ConfigHandler::readApplicationSettings(QSettings &settings)
     const bool usable = ok && perPage >= ConfigStore::kMinMessagesPerPage
                         && perPage <= ConfigStore::kMaxMessagesPerPage;
     m_store.messagesPerPage() = usable ? perPage : ConfigStore::kDefaultMessagesPerPage;
+    m_store.showTimeline() = settings.value(QStringLiteral("Show timeline"), true).toBool();
     settings.endGroup();
 }
 
@@ -555,6 +556,7 @@ void ConfigHandler::writeApplicationSettings(QSettings &settings) const
     settings.beginGroup(kApplicationGroup);
     settings.setValue(QStringLiteral("Main log path"), m_store.mainLogPath());
     settings.setValue(QStringLiteral("Messages per page"), m_store.messagesPerPage());
+    settings.setValue(QStringLiteral("Show timeline"), m_store.showTimeline());
     settings.endGroup();
 }
 

@@ -69,6 +69,9 @@ public:
     const QString &mainLogPath() const { return m_mainLogPath; }
     int &messagesPerPage() { return m_messagesPerPage; }
     int messagesPerPage() const { return m_messagesPerPage; }
+    // Whether the tabs show their events per hour or day above the table.
+    bool &showTimeline() { return m_showTimeline; }
+    bool showTimeline() const { return m_showTimeline; }
 
 private:
     QVector<int> m_visibleColumns;
@@ -85,4 +88,5 @@ private:
     QString m_mainLogPath;
     // A usable page size even before reading, so nobody ever pages by zero.
     int m_messagesPerPage = kDefaultMessagesPerPage;
+    bool m_showTimeline = true;
 };

@@ -107,6 +107,7 @@ void LogWidget::init(const QList<QAction *> &contextActions)
     });
 
     // On before the first count, so that one scan gives the count and the timeline.
+    m_timelineShown = ConfigStore::instance().showTimeline();
     m_parser->setTimelineEnabled(m_timelineShown);
     ui->timelineWidget->setVisible(m_timelineShown);
     connect(ui->timelineWidget, &TimelineWidget::barClicked, this, &LogWidget::goToTime);

@@ -7,14 +7,17 @@
 #include "ExportDialog.h"
 #include "EventsView.h"
 #include "FilterWindow.h"
+#include "GoToTimeDialog.h"
 #include "JournalSettings.h"
 #include "JournalGenerator.h"
 #include "LoadWarning.h"
 #include "LogInfoWindow.h"
+#include "LineParser.h"
 #include "LogParser.h"
 #include "LogWidget.h"
 #include "MainLogWidget.h"
 #include "MainWindow.h"
+#include "PageWidget.h"
 #include "NimbTestMain.h"
 #include "PrinterDialog.h"
 #include "PriorityItem.h"
@@ -28,6 +31,7 @@
 #include <QPushButton>
 #include <QListWidget>
 #include <QLineEdit>
+#include <QDateTimeEdit>
 #include <QDialogButtonBox>
 #include <QCheckBox>
 #include <QFileDialog>
@@ -50,6 +54,7 @@
 #include <QSaveFile>
 #include <QStatusBar>
 #include <QTabBar>
+#include <QTableWidget>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QToolBar>
@@ -460,7 +465,9 @@ private Q_SLOTS:
                               "Saved filters", "Summary of events", "Show log info"};
         QCOMPARE(texts(menu("menuLog")->actions()).mid(0, log.size()), log);
         QVERIFY(texts(menu("menuLog")->actions()).contains(QStringLiteral("Favorite events")));
-        QCOMPARE(texts(menu("menuSettings")->actions()), QStringList({"Application settings", "Show details"}));
+        QCOMPARE(texts(menu("menuSettings")->actions()),
+                 QStringList({"Application settings", "Show details", "Show timeline"}));
+        QCOMPARE(action("actionGoToTime")->shortcut(), QKeySequence(QStringLiteral("Ctrl+G")));
 
         auto *toolBar = window().findChild<QToolBar *>(QStringLiteral("toolBar"));
         QVERIFY(toolBar);
@@ -1450,6 +1457,76 @@ private Q_SLOTS:
         main->view()->clearSelection();
         QVERIFY(!action("actionCopy")->isEnabled());
         QVERIFY(!action("actionEventDetails")->isEnabled());
+    }
+
+    // Ctrl+G asks for a time and shows the first event in file order at or after it;
+    // a time after every event is answered in the status bar.
+    void goToTime()
+    {
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        QVector<QDateTime> times;
+        QStringList ids;
+        QFile journal(mainJournal());
+        QVERIFY(journal.open(QIODevice::ReadOnly));
+        while (!journal.atEnd()) {
+            const std::unique_ptr<Event> event = LineParser::parseLine(journal.readLine());
+            if (event) {
+                times.append(event->time);
+                ids.append(event->messageId);
+            }
+        }
+        const QDateTime target = times.at(1234).addSecs(-1);
+        const int row = int(std::find_if(times.begin(), times.end(), [&](const QDateTime &t) { return t >= target; })
+                            - times.begin());
+        const auto answer = [this](const QDateTime &time) {
+            // A window manager gives the focus back to the window when a dialog closes.
+            showActive();
+            press(Qt::Key_G, Qt::ControlModifier);
+            auto *dialog = window().findChild<GoToTimeDialog *>();
+            QTRY_VERIFY(dialog && dialog->isVisible());
+            auto *edit = dialog->findChild<QDateTimeEdit *>(QStringLiteral("dateTimeEdit"));
+            edit->setDateTime(time.toLocalTime());
+            QTest::mouseClick(dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok), Qt::LeftButton);
+            QVERIFY(!dialog->isVisible());
+        };
+
+        answer(target);
+        QTRY_VERIFY(main->currentEvent() && main->currentEvent()->number == quint32(row + 1));
+        QCOMPARE(main->pageWidget()->page(), row / ConfigStore::kDefaultMessagesPerPage + 1);
+        const auto *panel = main->bottomWidget()->findChild<QTableWidget *>(QStringLiteral("tableWidget"));
+        QVERIFY(panel->findItems(ids.at(row), Qt::MatchExactly).size() == 1);
+
+        answer(std::max_element(times.begin(), times.end())->addSecs(3600));
+        QTRY_VERIFY(window().statusBar()->currentMessage().startsWith(QStringLiteral("No event happened at or after ")));
+        QCOMPARE(main->currentEvent()->number, quint32(row + 1));
+    }
+
+    // The timeline can be hidden, and stays as the user left it.
+    void timelineIsShownOrHiddenForGood()
+    {
+        showActive();
+        LogWidget *main = current();
+        QVERIFY(loaded(main));
+        QVERIFY(action("actionShowTimeline")->isChecked());
+        QTRY_VERIFY(main->timelineWidget()->isVisible() && !main->timelineWidget()->bars().empty());
+        menu("menuSettings")->popup(window().mapToGlobal(QPoint(0, 0)));
+        QTRY_VERIFY(menu("menuSettings")->isVisible());
+        QTest::mouseClick(menu("menuSettings"), Qt::LeftButton, {},
+                          menu("menuSettings")->actionGeometry(action("actionShowTimeline")).center());
+        QVERIFY(!action("actionShowTimeline")->isChecked());
+        QVERIFY(!main->timelineWidget()->isVisible());
+        LogWidget *opened = openFile(partOfJournal(QStringLiteral("part"), 50));
+        QVERIFY(loaded(opened));
+        QVERIFY(!opened->timelineWidget()->isVisible());
+
+        closeWindow();
+        showActive();
+        QVERIFY(!action("actionShowTimeline")->isChecked());
+        QVERIFY(loaded(current()));
+        QVERIFY(!current()->timelineWidget()->isVisible());
+        action("actionShowTimeline")->trigger();
+        QTRY_VERIFY(current()->timelineWidget()->isVisible() && !current()->timelineWidget()->bars().empty());
     }
 
     void windowComesBackAsItWasLeft()
