@@ -1,5 +1,7 @@
 #include "DetailsWindow.h"
 
+#include "PrintedFile.h"
+
 #include "ui_DetailsWindow.h"
 
 #include "Event.h"
@@ -10,6 +12,8 @@
 #include <QDebug>
 #include <QHeaderView>
 #include <QPainter>
+#include <QDir>
+#include <QMessageBox>
 #include <QPrintDialog>
 #include <QPrinter>
 
@@ -153,7 +157,12 @@ void DetailsWindow::on_buttonPrint_clicked()
     QPrintDialog dialog(&printer, this);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    printTo(&printer);
+    // A file is written whole or not at all, and a failure is told.
+    QString error;
+    if (!PrintedFile::print(printer, [&] { return printTo(&printer); }, &error) && !error.isEmpty())
+        QMessageBox::critical(this, windowTitle(),
+                              tr("The event could not be printed to %1.").arg(QDir::toNativeSeparators(printer.outputFileName())),
+                              QMessageBox::Ok);
 }
 
 void DetailsWindow::on_closeButton_clicked()
