@@ -29,22 +29,6 @@ double contrast(const QColor &a, const QColor &b)
     const double lb = luminance(b);
     return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
 }
-
-// The design's colour is meant for dark text on a light base and stays as it is
-// there. Light text on a dark base (a dark colour scheme) asks for a lighter shade
-// of the same hue: dark yellow would all but vanish on it. The shade is lightened
-// until it reads as body text does (4.5:1) on both row colours.
-QColor severityColour(const QColor &design, const QPalette &palette)
-{
-    const QColor base = palette.color(QPalette::Base);
-    const QColor alternate = palette.color(QPalette::AlternateBase);
-    if (luminance(palette.color(QPalette::Text)) <= luminance(base))
-        return design;
-    QColor shade = design.toHsl();
-    while (shade.lightness() < 255 && std::min(contrast(shade, base), contrast(shade, alternate)) < 4.5)
-        shade.setHsl(shade.hslHue(), shade.hslSaturation(), std::min(255, shade.lightness() + 4));
-    return shade.toRgb();
-}
 }
 
 EventsModel::EventsModel(QObject *parent) : EventsModel(AuxParRegistry::instance(), parent) {}
@@ -212,6 +196,22 @@ QString EventsModel::auxText(const Event &event, const AuxColumn &column) const
         return event.customParameters.value(column.name);
     const AuxPar *parameter = event.parameters.value(column.type);
     return parameter ? parameter->toString() : QString();
+}
+
+// The design's colour is meant for dark text on a light base and stays as it is
+// there. Light text on a dark base (a dark colour scheme) asks for a lighter shade
+// of the same hue: dark yellow would all but vanish on it. The shade is lightened
+// until it reads as body text does (4.5:1) on both row colours.
+QColor EventsModel::severityColour(const QColor &design, const QPalette &palette)
+{
+    const QColor base = palette.color(QPalette::Base);
+    const QColor alternate = palette.color(QPalette::AlternateBase);
+    if (luminance(palette.color(QPalette::Text)) <= luminance(base))
+        return design;
+    QColor shade = design.toHsl();
+    while (shade.lightness() < 255 && std::min(contrast(shade, base), contrast(shade, alternate)) < 4.5)
+        shade.setHsl(shade.hslHue(), shade.hslSaturation(), std::min(255, shade.lightness() + 4));
+    return shade.toRgb();
 }
 
 const EventsModel::PriorityColours &EventsModel::paletteColours() const

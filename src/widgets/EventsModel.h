@@ -54,6 +54,10 @@ public:
     int typeOfColumn(int column) const;
     QString nameOfColumn(int column) const;
 
+    // The shade of a priority colour (`design`: red or dark yellow) the table writes on
+    // `palette`, shared by everything that stands for those rows.
+    static QColor severityColour(const QColor &design, const QPalette &palette);
+
 private:
     struct AuxColumn {
         QString header;

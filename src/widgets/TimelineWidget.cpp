@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "TimelineWidget.h"
 
+#include "EventsModel.h"
+
 #include "ui_TimelineWidget.h"
 
 #include <QApplication>
@@ -23,35 +25,6 @@ constexpr qint64 kDayMs = 24 * kHourMs;
 // a journal of a few hours look like a wall.
 constexpr int kMinPitch = 3;
 constexpr int kMaxPitch = 32;
-
-double luminance(const QColor &colour)
-{
-    const auto channel = [](double value) {
-        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * channel(colour.redF()) + 0.7152 * channel(colour.greenF()) + 0.0722 * channel(colour.blueF());
-}
-
-double contrast(const QColor &a, const QColor &b)
-{
-    const double la = luminance(a);
-    const double lb = luminance(b);
-    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
-}
-
-// The shades the events table writes these priorities in, so that a bar reads as the
-// rows it stands for: as designed on a light base, lightened on a dark one.
-QColor severityColour(const QColor &design, const QPalette &palette)
-{
-    const QColor base = palette.color(QPalette::Base);
-    const QColor alternate = palette.color(QPalette::AlternateBase);
-    if (luminance(palette.color(QPalette::Text)) <= luminance(base))
-        return design;
-    QColor shade = design.toHsl();
-    while (shade.lightness() < 255 && std::min(contrast(shade, base), contrast(shade, alternate)) < 4.5)
-        shade.setHsl(shade.hslHue(), shade.hslSaturation(), std::min(255, shade.lightness() + 4));
-    return shade.toRgb();
-}
 
 qint64 sum(const EventTimes::Counts &counts, int from, int to)
 {
@@ -213,8 +186,10 @@ const TimelineWidget::Colours &TimelineWidget::colours() const
 {
     const QPalette palette = QApplication::palette("QAbstractItemView");
     if (palette.cacheKey() != m_colours.paletteKey) {
-        m_colours.severe = severityColour(Qt::red, palette);
-        m_colours.warning = severityColour(Qt::darkYellow, palette);
+        // The shades the events table writes these priorities in, so that a bar reads
+        // as the rows it stands for.
+        m_colours.severe = EventsModel::severityColour(Qt::red, palette);
+        m_colours.warning = EventsModel::severityColour(Qt::darkYellow, palette);
         // Halfway between text and base: neutral, and visible in light and dark schemes.
         const QColor text = palette.color(QPalette::Text);
         const QColor base = palette.color(QPalette::Base);
