@@ -157,6 +157,10 @@
         <source>EVENT DETAILS</source>
         <translation>ПОДРОБНОСТИ СОБЫТИЯ</translation>
     </message>
+    <message>
+        <source>The event could not be printed to %1.</source>
+        <translation>Не удалось напечатать событие в %1.</translation>
+    </message>
 </context>
 <context>
     <name>Dictionary</name>
@@ -565,6 +569,25 @@
     </message>
 </context>
 <context>
+    <name>GoToTimeDialog</name>
+    <message>
+        <source>Go to time</source>
+        <translation>Перейти ко времени</translation>
+    </message>
+    <message>
+        <source>The first event at or after this time is shown.</source>
+        <translation>Будет показано первое событие в это время или позже.</translation>
+    </message>
+    <message>
+        <source>Date and &amp;time:</source>
+        <translation>&amp;Дата и время:</translation>
+    </message>
+    <message>
+        <source>Date and time</source>
+        <translation>Дата и время</translation>
+    </message>
+</context>
+<context>
     <name>JournalSettings</name>
     <message>
         <source>Dialog</source>
@@ -914,10 +937,6 @@
         <translation>ОСНОВНОЙ ЖУРНАЛ</translation>
     </message>
     <message>
-        <source> (filtered)</source>
-        <translation> (отфильтровано)</translation>
-    </message>
-    <message>
         <source>Print events</source>
         <translation>Печать событий</translation>
     </message>
@@ -980,6 +999,23 @@
     <message>
         <source>The events could not be exported to %1.</source>
         <translation>Не удалось экспортировать события в %1.</translation>
+    </message>
+    <message>
+        <source>Go to time…</source>
+        <translation>Перейти ко времени…</translation>
+    </message>
+    <message>
+        <source>Go to time</source>
+        <translation>Перейти ко времени</translation>
+    </message>
+    <message>
+        <source>Show timeline</source>
+        <translation>Показывать шкалу времени</translation>
+    </message>
+    <message>
+        <source>%1 (filtered)</source>
+        <comment>title of a tab that filters another tab&apos;s events</comment>
+        <translation>%1 (отфильтровано)</translation>
     </message>
 </context>
 <context>

@@ -358,6 +358,8 @@ void MainWindow::createToolBar()
     m_toolBar->addAction(m_copyAction);
     m_toolBar->addSeparator();
     m_toolBar->addAction(m_eventDetailsAction);
+    // The button shows only an icon; a screen reader needs its name.
+    m_toolBar->widgetForAction(m_eventDetailsAction)->setAccessibleName(tr("Event details"));
     m_toolBar->addAction(m_printAction);
     m_toolBar->addAction(m_exportAction);
     m_toolBar->addAction(m_summaryAction);
@@ -590,7 +592,8 @@ void MainWindow::applyFilter(const FilterPack &filter)
         tab->setFilter(filter);
         return;
     }
-    const QString title = ui->tabWidget->tabText(ui->tabWidget->currentIndex()) + tr(" (filtered)");
+    const QString title = tr("%1 (filtered)", "title of a tab that filters another tab's events")
+                              .arg(ui->tabWidget->tabText(ui->tabWidget->currentIndex()));
     // A filtered view of the journal being followed goes on following it.
     auto *followed = qobject_cast<MainLogWidget *>(tab);
     if (followed && followed->isFollowing()) {
@@ -740,6 +743,13 @@ void MainWindow::showedColumnsChanged()
 
 void MainWindow::showEventDetails(const EventGenerator *generator, int position)
 {
+    // The marks are those of the tab the event comes from.
+    FilterPack highlight;
+    const auto tabs = findChildren<LogWidget *>();
+    for (const LogWidget *tab : tabs)
+        if (tab->eventGenerator() == generator && tab->isFiltered())
+            highlight = tab->filter();
+    m_detailsWindow->setHighlight(highlight);
     m_detailsWindow->load(generator, position);
     m_detailsWindow->show();
     m_detailsWindow->raise();

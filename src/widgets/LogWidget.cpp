@@ -89,6 +89,7 @@ void LogWidget::init(const QList<QAction *> &contextActions)
     // would hold up the interface thread.
     ui->eventsView->horizontalHeader()->setResizeContentsPrecision(0);
     ui->bottomWidget->showFilter(m_filter);
+    ui->eventsView->setHighlight(m_filter);
     ui->splitter->setStretchFactor(0, 3);
     ui->splitter->setStretchFactor(1, 1);
     setVisibleColumns({}, {});
@@ -307,6 +308,7 @@ void LogWidget::setFilter(const FilterPack &filter)
         return;
     m_filter = filter;
     ui->bottomWidget->showFilter(filter);
+    ui->eventsView->setHighlight(filter);
     ui->bottomWidget->showEventDetails(nullptr);
     m_model->clear();
     ui->timelineWidget->clear();

@@ -248,10 +248,8 @@ private slots:
     // stay whole, with their placeholders.
     void messagesAreWholeSentences()
     {
-        // " of %1" stands beside a spin box, which is no text a translator could reorder; the
-        // filtered tab's title is still appended to the title it filters.
-        const QSet<QString> joints{QStringLiteral("PageWidget: \" of %1\""),
-                                   QStringLiteral("MainWindow: \" (filtered)\"")};
+        // " of %1" stands beside a spin box, which is no text a translator could reorder.
+        const QSet<QString> joints{QStringLiteral("PageWidget: \" of %1\"")};
         QSet<QString> found;
         QStringList problems;
         for (const Message &message : qAsConst(m_sources)) {
@@ -264,7 +262,8 @@ private slots:
               "FilterWindow: \"\"%1\" is a part of \"%2\".\" (the first field's text occurs in the second's)",
               "FilterWindow: \"Event_Log_Filter_%1\" (proposed name of a saved filter)",
               "BottomWidget: \"%1 (case sensitive, only whole words)\" (searched keyword)",
-              "LogInfoWindow: \"%1 megabytes\" (a size, possibly fractional)", "LogInfoWindow: \"%n bytes\""}) {
+              "LogInfoWindow: \"%1 megabytes\" (a size, possibly fractional)", "LogInfoWindow: \"%n bytes\"",
+              "MainWindow: \"%1 (filtered)\" (title of a tab that filters another tab's events)"}) {
             if (!found.contains(QString::fromUtf8(whole)))
                 problems << QStringLiteral("not a whole message in the sources: ") + QString::fromUtf8(whole);
         }
