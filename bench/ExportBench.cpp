@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // Exports every event of a journal the way the main window's job does: the journal is
 // counted by a parser on a loader thread, then a worker thread takes the parser's
 // positions and streams the rows into the file. Only the export is timed, and the

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // The least work any count of a journal must do with Qt's JSON reader: every line
 // parsed once on one thread, nothing else. Prints the number of lines that look like
 // events (an object whose "MSG" is an object with exactly one member), so that its

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // In-process timings that a separate process per measurement cannot give: the
 // incremental count needs the same parser object before and after the journal grows,
 // and page loads are timed without process start-up and the first scan.

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // Measures a journal tab the way a user feels it: how long the interface thread is
 // ever blocked while the tab counts a whole journal, and how long a page change takes
 // until the table holds the new rows.

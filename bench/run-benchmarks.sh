@@ -1,4 +1,9 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The trelvik developers
+#
+# SPDX-License-Identifier: GPL-2.0-or-later
+
 # Builds the tools in Release (build-bench), generates journals of 200 MB and 1 GB into
 # bench/out (kept for the next run as long as the seed is the same) and prints one
 # Markdown table per journal, also written to bench/out/results.md.

@@ -1,4 +1,9 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The trelvik developers
+#
+# SPDX-License-Identifier: GPL-2.0-or-later
+
 # Exports every event of a generated journal as JSON, CSV and raw lines through the
 # export job (nimb-bench-export) and prints a Markdown table of throughput and memory,
 # also written to bench/out/export-results.md. The journal and the exports are deleted

@@ -1,3 +1,7 @@
+# SPDX-FileCopyrightText: 2026 The trelvik developers
+#
+# SPDX-License-Identifier: GPL-2.0-or-later
+
 # NIMB_FUZZ=ON builds the libFuzzer harnesses of tests/fuzz (target "fuzzers"). The
 # whole tree is then compiled with coverage feedback, AddressSanitizer and UBSan, so
 # that the fuzzer sees into the engine; Qt itself stays uninstrumented. Needs clang:

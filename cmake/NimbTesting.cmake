@@ -1,3 +1,7 @@
+# SPDX-FileCopyrightText: 2026 The trelvik developers
+#
+# SPDX-License-Identifier: GPL-2.0-or-later
+
 # nimb_add_test(<name> SOURCES <files...> LIBS <targets...> [ENGINE] [THREADS] [RUSSIAN])
 #
 # Every test runs on the offscreen platform with a private HOME/XDG tree so that no

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 #pragma once
 
 // Qt and the C library are not built for ThreadSanitizer: their locks, event queues and

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 #include "JournalSettings.h"
 
 #include "ui_JournalSettings.h"

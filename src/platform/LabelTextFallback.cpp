@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // Stand-ins for the label library, built only when the system does not have it.
 // They never fail and never return null: a number is always printable.
 

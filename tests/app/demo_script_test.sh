@@ -1,4 +1,9 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The trelvik developers
+#
+# SPDX-License-Identifier: GPL-2.0-or-later
+
 # scripts/demo as a new user runs it: the generator must be found among the build's
 # targets and the missing demo journal generated before the viewer would start.
 #   demo_script_test.sh SOURCE_DIR BUILD_DIR DEMO_SYSROOT

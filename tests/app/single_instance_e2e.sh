@@ -1,4 +1,9 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The trelvik developers
+#
+# SPDX-License-Identifier: GPL-2.0-or-later
+
 # The built program as a user starts it: a real X display (Xvfb) and a session bus
 # of its own. The first start shows the window; later starts, with and without
 # --toggle, hand their request to it and end with status 255 and no window.

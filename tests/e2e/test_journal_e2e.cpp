@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // The journal as the real logging service writes and the real rotation tool rotates
 // it, followed by the main log tab while both are at work. At the end every event
 // sent is found exactly once, in order, across the journal and its rotations.

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // Runs every harness over the files of its corpus directories: the seeds and the
 // inputs that once failed. A failing input aborts, like under the fuzzer, after its
 // name was printed.

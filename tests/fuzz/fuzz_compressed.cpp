@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // A rotated journal, compressed or not, perhaps damaged. Unpacking either succeeds
 // or leaves an empty copy, and the engine reads whatever came out.
 

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // A filter built from the input's first line, matched against the event of its second.
 // Whatever the criteria, matching must not fail, an empty filter passes everything,
 // and dropping a criterion never turns a pass into a rejection.

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // One journal line: the full parse and the quick acceptance used by counting must
 // always agree, and an accepted event must be printable in every way the views use.
 

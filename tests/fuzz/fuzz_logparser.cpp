@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // A journal that grows while it is followed. The input is the file as first seen, a
 // zero byte, then what is appended. Counting the tail after a first count gives what
 // one count of the whole gives, and the parallel parser finds the same lines.

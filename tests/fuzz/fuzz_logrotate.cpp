@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // The log-rotation configuration that names the main journal. Whatever the file
 // holds, the scheme read from it is one the information window can word.
 

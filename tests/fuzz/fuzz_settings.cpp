@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The trelvik developers
+//
+// SPDX-License-Identifier: GPL-2.0-or-later
+
 // The settings file as a user or an earlier version may have left it. Reading must
 // keep the store within its rules, and what is written back reads back the same.
 

@@ -1,4 +1,9 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The trelvik developers
+#
+# SPDX-License-Identifier: GPL-2.0-or-later
+
 # Writes the seed corpus of the fuzz harnesses into corpus/ beside this script, from
 # the journal generator and the test data. Deterministic; run again after the journal
 # format or the settings layout changes.

@@ -1,4 +1,9 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The trelvik developers
+#
+# SPDX-License-Identifier: GPL-2.0-or-later
+
 # Builds the libFuzzer harnesses (clang, build tree build-fuzz/) and runs them, two at
 # a time, starting from the seed corpus and the saved findings. Exits non-zero when
 # any harness finds something; the failing input is left in <dir>/fuzz-findings/.
