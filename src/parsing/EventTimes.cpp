@@ -4,6 +4,7 @@
 
 #include "LineAcceptor.h"
 #include "LineParser.h"
+#include "LocalYear.h"
 
 #include <QHash>
 
@@ -57,7 +58,7 @@ public:
         spaces();
         if (p != end || hour >= 24 || minute >= 60 || second >= 60)
             return false;
-        const int year = currentYear();
+        const int year = m_localYear.current();
         if (!QDate::isValid(year, month, day))
             return false;
         const qint64 midnight = midnightOf(QDate(year, month, day));
@@ -68,19 +69,6 @@ public:
     }
 
 private:
-    int currentYear()
-    {
-        const qint64 now = qint64(std::time(nullptr));
-        if (now < m_yearFrom || now >= m_yearUntil) {
-            m_year = QDate::currentDate().year();
-            const QDateTime from(QDate(m_year, 1, 1), QTime(0, 0), Qt::LocalTime);
-            const QDateTime until(QDate(m_year + 1, 1, 1), QTime(0, 0), Qt::LocalTime);
-            const bool bounded = from.isValid() && until.isValid();
-            m_yearFrom = bounded ? from.toSecsSinceEpoch() : now;
-            m_yearUntil = bounded ? until.toSecsSinceEpoch() : now;
-        }
-        return m_year;
-    }
 
     // The instant of local midnight of a day whose every hour has one offset, else none.
     qint64 midnightOf(const QDate &date)
@@ -106,9 +94,7 @@ private:
         return midnight;
     }
 
-    int m_year = 0;
-    qint64 m_yearFrom = 0;
-    qint64 m_yearUntil = 0;
+    LocalYear m_localYear;
     QHash<qint64, qint64> m_midnights;
 };
 

@@ -176,7 +176,7 @@ bool TimeTextReader::legacyIsValid(const char *data, int size)
     const uint day = numbers[0], hour = numbers[1], minute = numbers[2], second = numbers[3];
     if (day >= 32 || hour >= 25 || minute >= 61 || second >= 61)
         return false;
-    const int year = currentYear();
+    const int year = m_localYear.current();
     if (!QDate::isValid(year, month, int(day)) || hour >= 24 || minute >= 60 || second >= 60)
         return false;
     if (isRegularLocalDay(year, month, int(day)))
@@ -206,21 +206,4 @@ bool TimeTextReader::isRegularLocalDay(int year, int month, int day)
     }
     m_regularDays.insert(date.toJulianDay(), regular);
     return regular;
-}
-
-int TimeTextReader::currentYear()
-{
-    // The legacy reader takes the year from the clock on every call; so does this, but
-    // through the cheap clock, against the bounds of the local year found once.
-    const qint64 now = qint64(std::time(nullptr));
-    if (now < m_yearFrom || now >= m_yearUntil) {
-        m_year = QDate::currentDate().year();
-        const QDateTime from(QDate(m_year, 1, 1), QTime(0, 0), Qt::LocalTime);
-        const QDateTime until(QDate(m_year + 1, 1, 1), QTime(0, 0), Qt::LocalTime);
-        const bool bounded = from.isValid() && until.isValid();
-        m_yearFrom = bounded ? from.toSecsSinceEpoch() : now;
-        m_yearUntil = bounded ? until.toSecsSinceEpoch() : now;
-        return m_year;
-    }
-    return m_year;
 }

@@ -4,6 +4,8 @@
 
 #pragma once
 
+#include "LocalYear.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QString>
@@ -39,11 +41,8 @@ public:
 private:
     // Every local time of the day exists (no clock change that day).
     bool isRegularLocalDay(int year, int month, int day);
-    int currentYear();
 
     QVector<std::pair<QByteArray, int>> m_months;
     QHash<qint64, bool> m_regularDays;
-    int m_year = 0;
-    qint64 m_yearFrom = 0;
-    qint64 m_yearUntil = 0;
+    LocalYear m_localYear;
 };
