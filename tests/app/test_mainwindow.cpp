@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 
 #include "BottomWidget.h"
+#include "ClearButtons.h"
 #include "ColumnChooser.h"
 #include "ConfigHandler.h"
 #include "DetailsWindow.h"
@@ -442,6 +443,7 @@ class TestMainWindow : public QObject
         QVERIFY(QTest::qWaitFor([&tabs] {
             return std::none_of(tabs.begin(), tabs.end(), [](const LogWidget *tab) { return tab->isLoading(); });
         }, 10000));
+        QVERIFY(QTest::qWaitFor([this] { return clearButtonsSettled(*m_window); }, 5000));
         m_window.reset();
     }
 

@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 
 #include "BottomWidget.h"
+#include "ClearButtons.h"
 #include "EventsModel.h"
 #include "EventsView.h"
 #include "Language.h"
@@ -104,6 +105,7 @@ private slots:
         const QString close = buttons->button(QDialogButtonBox::Close)->text();
         QCOMPARE(close, Language::isRussian() ? QStringLiteral("Закрыть") : QStringLiteral("Close"));
         QVERIFY(shoot("filter-window", filterWindow));
+        QTRY_VERIFY(clearButtonsSettled(window));
     }
 };
 
