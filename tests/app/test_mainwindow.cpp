@@ -439,8 +439,9 @@ class TestMainWindow : public QObject
     {
         if (!m_window)
             return;
-        const auto tabs = m_window->findChildren<LogWidget *>();
-        QVERIFY(QTest::qWaitFor([&tabs] {
+        // Asked afresh each time: a tab closed just before goes away while this waits.
+        QVERIFY(QTest::qWaitFor([this] {
+            const auto tabs = m_window->findChildren<LogWidget *>();
             return std::none_of(tabs.begin(), tabs.end(), [](const LogWidget *tab) { return tab->isLoading(); });
         }, 10000));
         QVERIFY(QTest::qWaitFor([this] { return clearButtonsSettled(*m_window); }, 5000));
