@@ -222,7 +222,13 @@ private slots:
         bool answered = false;
         QTimer poll;
         connect(&poll, &QTimer::timeout, &poll, [&] {
-            auto *chooser = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+            // The chooser is looked for among the windows: with the settings dialog modal
+            // too, which of the two counts as the active modal one is left to the platform.
+            QFileDialog *chooser = nullptr;
+            const auto windows = QApplication::topLevelWidgets();
+            for (QWidget *window : windows)
+                if (auto *fileDialog = qobject_cast<QFileDialog *>(window); fileDialog && fileDialog->isVisible())
+                    chooser = fileDialog;
             if (!chooser)
                 return;
             poll.stop();
